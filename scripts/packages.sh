@@ -1,0 +1,53 @@
+# Sourced by ./run, ./test and .ci/run: says what it does, installs what is missing on Debian, and stops with a clear
+# message where it cannot.
+
+say() { printf '==> %s\n' "$*"; }
+fail() {
+    printf 'error: %s\n' "$*" >&2
+    exit 1
+}
+
+# The Debian packages that a build needs, that tests need beside them, and that the fuzzing and tidy presets need.
+build_packages="g++ cmake ninja-build qt6-base-dev nlohmann-json3-dev ffmpeg"
+run_packages="libqt6svg6 qt6-qpa-plugins"
+test_packages="xvfb xdotool dbus-daemon locales fonts-dejavu-core"
+
+missing_packages() {
+    local package
+    for package in "$@"; do
+        dpkg-query -W -f='${db:Status-Status}' "$package" 2>/dev/null | grep -qx installed || printf '%s ' "$package"
+    done
+}
+
+# need PACKAGE…: installs those that are not there.
+need() {
+    command -v dpkg-query >/dev/null || {
+        say "No dpkg here: please see to it that these are installed: $*"
+        return 0
+    }
+    local missing as_root=""
+    missing=$(missing_packages "$@")
+    [ -n "$missing" ] || return 0
+    if [ "$(id -u)" -ne 0 ]; then
+        command -v sudo >/dev/null || fail "missing packages: $missing- install them as root (apt-get install $missing) or install sudo"
+        as_root=sudo
+    fi
+    say "Installing: $missing"
+    # shellcheck disable=SC2086
+    {
+        $as_root apt-get update -qq &&
+            $as_root env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends $missing >/dev/null
+    } || fail "could not install: $missing"
+}
+
+# build PRESET [TARGET…]: configures when needed, then builds.
+build() {
+    local preset=$1 log
+    shift
+    if [ ! -e "build/$preset/build.ninja" ]; then
+        say "Configuring build/$preset"
+        log=$(cmake --preset "$preset" 2>&1) || { printf '%s\n' "$log"; fail "the configuration of $preset failed"; }
+    fi
+    say "Building $preset"
+    cmake --build --preset "$preset" ${1:+--target "$@"} || fail "the build of $preset failed"
+}

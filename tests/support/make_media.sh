@@ -1,0 +1,46 @@
+#!/usr/bin/env bash
+# Makes the clips that tests use, from the converter's own generators, once: make_media.sh FOLDER FFMPEG
+set -euo pipefail
+folder=$1
+ffmpeg=$2
+mkdir -p "$folder"
+cd "$folder"
+
+# make NAME ARGUMENTS…: written under another name first, so that an interrupted run leaves no half clip behind.
+make() {
+    local name=$1
+    shift
+    [ -e "$name" ] && return 0
+    echo "making $name"
+    rm -f "part.$name"
+    "$ffmpeg" -nostdin -hide_banner -loglevel error -y "$@" "part.$name"
+    mv "part.$name" "$name"
+}
+
+video() { echo "testsrc2=size=$1:rate=25:duration=$2"; }
+tone() { echo "sine=frequency=440:sample_rate=44100:duration=$1"; }
+
+# A plain clip with sound: 640 x 360, two seconds.
+make plain.mp4 -f lavfi -i "$(video 640x360 2)" -f lavfi -i "$(tone 2)" -pix_fmt yuv420p -shortest
+# A full-size clip without sound.
+make hd.mp4 -f lavfi -i "$(video 1920x1080 1)" -pix_fmt yuv420p -preset ultrafast
+# A size with an odd side.
+make odd.mkv -f lavfi -i "$(video 853x480 1)" -c:v ffv1
+# Long enough for a cancel in the middle.
+make long.mp4 -f lavfi -i "$(video 1280x720 30)" -pix_fmt yuv420p -preset ultrafast
+# What a phone held upright writes: coded 640 x 360, shown 360 x 640 (display matrix, -90).
+make portrait.mp4 -i plain.mp4 -c copy -metadata:s:v rotate=270
+# The quarter turn the other way (+90) and the half turn.
+make portrait_other.mp4 -i plain.mp4 -c copy -metadata:s:v rotate=90
+make upside_down.mp4 -i plain.mp4 -c copy -metadata:s:v rotate=180
+# Six channels of sound.
+make surround.mkv -f lavfi -i "$(video 320x180 1)" -f lavfi -i "$(tone 1)" -pix_fmt yuv420p -ac 6 -c:a ac3 -shortest
+# Sound only, and sound with a cover picture.
+make sound.m4a -f lavfi -i "$(tone 1)"
+make cover.png -f lavfi -i "$(video 64x64 1)" -frames:v 1
+make cover.m4a -i sound.m4a -i cover.png -map 0 -map 1 -c copy -disposition:v attached_pic
+# A cover picture in a film.
+make cover_film.mp4 -i plain.mp4 -i cover.png -map 0 -map 1 -c copy -disposition:v:1 attached_pic
+# One frame; no duration in the container.
+make one_frame.mp4 -f lavfi -i "$(video 320x180 1)" -pix_fmt yuv420p -frames:v 1
+make no_duration.webm -f lavfi -i "$(video 320x180 1)" -c:v libvpx -live 1 -f webm

@@ -1,0 +1,37 @@
+// The known state that every test starts from. A test class derives from TestCase and ends its source with
+// TESSALY_TEST_MAIN(Class) or, when it needs widgets, TESSALY_GUI_TEST_MAIN(Class).
+//
+// The state: no display (offscreen platform), a fixed hash seed, settings and caches in test folders of their
+// own, and every warning that Qt prints without being announced by QTest::ignoreMessage fails the test
+// function.
+#pragma once
+
+#include <QObject>
+#include <QTest>
+
+namespace tessaly::test {
+
+class TestCase : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+};
+
+// To be called before the application object is made.
+void prepareProcess();
+
+} // namespace tessaly::test
+
+#define TESSALY_TEST_RUN(Application, Class)                                                                 \
+    int main(int argc, char *argv[])                                                                         \
+    {                                                                                                        \
+        tessaly::test::prepareProcess();                                                                     \
+        Application application(argc, argv);                                                                 \
+        Class test;                                                                                          \
+        return QTest::qExec(&test, argc, argv);                                                              \
+    }
+
+#define TESSALY_TEST_MAIN(Class) TESSALY_TEST_RUN(QCoreApplication, Class)
+#define TESSALY_GUI_TEST_MAIN(Class) TESSALY_TEST_RUN(QApplication, Class)

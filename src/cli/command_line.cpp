@@ -23,6 +23,8 @@ const QString usage =
     "Ends with 0 when every file is a valid media file, with 1 when some file is not, and with\n"
     "2 for wrong usage.\n"_s;
 
+const QString versionLine = u"tessaly-cli " TESSALY_VERSION "\n"_s;
+
 // A word that is not UTF-8 cannot be told apart once it is a QString; a NUL, which no word can hold, marks
 // it.
 constexpr QChar notUtf8Mark = u'\0';
@@ -45,9 +47,11 @@ Command readInfo(const QStringList &words)
     const QCommandLineOption json(u"json"_s);
     const QCommandLineOption verbose(u"verbose"_s);
     const QCommandLineOption help(QStringList{u"help"_s, u"h"_s});
-    parser.addOptions({json, verbose, help});
+    const QCommandLineOption version(u"version"_s);
+    parser.addOptions({json, verbose, help, version});
     if (!parser.parse(words)) return WrongUsage{parser.errorText()};
     if (parser.isSet(help)) return ShowText{usage};
+    if (parser.isSet(version)) return ShowText{versionLine};
 
     InfoCommand command{.files = {}, .json = parser.isSet(json), .verbose = parser.isSet(verbose)};
     for (const QString &word : parser.positionalArguments()) {
@@ -70,7 +74,7 @@ Command readCommandLine(const QByteArrayList &words)
     const QString &command = decodedWords.first();
     if (command == "info"_L1) return readInfo(decodedWords);
     if (command == "--help"_L1 || command == "-h"_L1) return ShowText{usage};
-    if (command == "--version"_L1) return ShowText{u"tessaly-cli " TESSALY_VERSION "\n"_s};
+    if (command == "--version"_L1) return ShowText{versionLine};
     return WrongUsage{u"There is no command \"%1\"."_s.arg(command)};
 }
 

@@ -2,6 +2,7 @@
 
 #include "cli/info_json.h"
 #include "cli/info_text.h"
+#include "cli/terminal_text.h"
 #include "platform/printing.h"
 
 #include <cstdio>
@@ -12,19 +13,23 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-void write(std::FILE *stream, const QByteArray &text)
+bool write(std::FILE *stream, const QByteArray &text)
 {
-    std::fwrite(text.constData(), 1, static_cast<std::size_t>(text.size()), stream);
-    std::fflush(stream);
+    const auto size = static_cast<std::size_t>(text.size());
+    return std::fwrite(text.constData(), 1, size, stream) == size && std::fflush(stream) == 0;
+}
+
+void complain(const QString &complaint)
+{
+    write(stderr, "tessaly-cli: " + terminalText(complaint).toUtf8() + '\n');
 }
 
 FileProbe probe(const NamedFile &file)
 {
     if (file.path) return FileProbe(*file.path);
-    write(stderr, u"tessaly-cli: the name \"%1\" is not valid UTF-8, so the file cannot be opened.\n"_s
-                      .arg(file.shown)
-                      .toUtf8());
-    return {};
+    FileProbe refused;
+    refused.proberFailure = u"The name is not valid UTF-8, so the file cannot be opened."_s;
+    return refused;
 }
 
 } // namespace
@@ -37,10 +42,12 @@ ExitCode runInfo(const InfoCommand &command)
     for (const NamedFile &file : command.files) {
         const FileProbe facts = probe(file);
         allValid = allValid && facts.isValidMediaFile;
-        if (command.json) {
-            write(stdout, infoJson(facts) + '\n');
-        } else {
-            write(stdout, (first ? QString() : u"\n"_s).toUtf8() + infoText(file.shown, facts).toUtf8());
+        if (facts.proberFailure) complain(file.shown + u": "_s + *facts.proberFailure);
+        const QByteArray text = command.json ? infoJson(facts) + '\n'
+                                             : (first ? "" : "\n") + infoText(file.shown, facts).toUtf8();
+        if (!write(stdout, text)) {
+            complain(u"Standard output cannot be written."_s);
+            return exitFailed;
         }
         first = false;
     }

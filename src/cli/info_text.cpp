@@ -1,9 +1,10 @@
 #include "cli/info_text.h"
 
-#include "platform/debug_description.h"
+#include "cli/terminal_text.h"
 #include "probe/file_facts.h"
 
 #include <algorithm>
+#include <array>
 
 namespace tessaly {
 
@@ -11,66 +12,110 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-QString shown(const QString &text)
-{
-    const bool hasControls =
-        std::any_of(text.begin(), text.end(), [](QChar c) { return c.category() == QChar::Other_Control; });
-    return hasControls ? debugDescription(text) : text;
-}
-
-QString shown(const Object &value)
-{
-    return shown(QString::fromStdString(JSON(value).stringValue()));
-}
+constexpr int labelWidth = 14;
+constexpr qsizetype longestTagText = 100;
 
 QString line(const QString &label, const QString &value)
 {
-    return u"  %1%2\n"_s.arg(label, -14).arg(value);
+    return u"  "_s + label.leftJustified(labelWidth) + value + u'\n';
 }
 
-QString judgement(const FileProbe &facts)
+QString textOf(const JSON &value)
+{
+    return terminalText(QString::fromStdString(value.stringValue()));
+}
+
+QString textOf(const Dictionary &track, const char *key)
+{
+    return textOf(JSON(track.at(key)));
+}
+
+QString kind(const FileProbe &facts)
 {
     if (!facts.isValidMediaFile) return u"not a media file"_s;
     if (facts.isEncrypted) return u"encrypted, or of a kind that cannot be decoded"_s;
-    if (!facts.hasVideoTrack) return u"no video"_s;
-    return u"video"_s;
+    if (facts.hasVideoTrack) return u"video"_s;
+    return facts.hasAudioTrack ? u"sound only"_s : u"neither video nor sound"_s;
 }
 
-QString resolution(const FileProbe &facts)
+QString kindWithComplaint(const FileProbe &facts)
 {
-    const QString turn =
-        facts.tagRotateValue == 0 ? QString() : u" (turned by %1 degrees)"_s.arg(facts.tagRotateValue);
-    return u"%1 x %2"_s.arg(*facts.videoWidth).arg(*facts.videoHeight) + turn;
+    const QString complaint = textOf(facts.jsonDictionary["error"]["string"]);
+    return complaint.isEmpty() ? kind(facts) : kind(facts) + u" ("_s + complaint + u')';
 }
 
-QString trackLine(const Dictionary &track)
+QString frameSize(const FileProbe &facts)
 {
-    QStringList words;
-    for (const char *key : {"trackType", "trackCodec", "trackSpecialInfo", "trackLanguage"}) {
-        const QString word = shown(track.at(key));
-        if (!word.isEmpty() && !words.contains(word)) words.append(word);
+    if (facts.videoWidth.value_or(0) <= 0 || facts.videoHeight.value_or(0) <= 0) return u"unknown"_s;
+    const QString size = u"%1 x %2"_s.arg(*facts.videoWidth).arg(*facts.videoHeight);
+    return facts.tagRotateValue == 0 ? size : size + u" (turned by %1 degrees)"_s.arg(facts.tagRotateValue);
+}
+
+// What people want to know of a track: type, codec, special fact, language. "und" means that no language is
+// known; the special fact of a track of no known type may be a tag of unprintable bytes.
+QStringList trackCells(const Dictionary &track)
+{
+    QString codec = textOf(track, "trackCodec");
+    QString special = textOf(track, "trackSpecialInfo");
+    QString language = textOf(track, "trackLanguage");
+    if (codec.isEmpty()) codec = u"unknown"_s;
+    if (special.startsWith(u'[')) special.clear();
+    if (special == language) special.clear();
+    if (language == "und"_L1) language.clear();
+    return {textOf(track, "trackType"), codec, special, language};
+}
+
+QString trackLines(const std::vector<Dictionary> &tracks)
+{
+    std::vector<QStringList> rows;
+    std::array<qsizetype, 4> widths{};
+    for (const Dictionary &track : tracks) {
+        rows.push_back(trackCells(track));
+        for (std::size_t column = 0; column < widths.size(); ++column)
+            widths[column] = std::max(widths[column], rows.back()[static_cast<qsizetype>(column)].size());
     }
-    return words.join(u' ');
+
+    QString text;
+    for (std::size_t i = 0; i < rows.size(); ++i) {
+        QString value;
+        for (std::size_t column = 0; column < widths.size(); ++column)
+            value += rows[i][static_cast<qsizetype>(column)].leftJustified(widths[column] + 2);
+        text += line(u"Track "_s + textOf(tracks[i], "trackID"), value.trimmed());
+    }
+    return text;
+}
+
+// Descriptions may have many paragraphs.
+QString shortened(const QString &tag)
+{
+    QString text = terminalText(tag.simplified());
+    if (text.size() <= longestTagText) return text;
+    text.truncate(longestTagText - 1);
+    if (text.back().isHighSurrogate()) text.chop(1);
+    return text + u'…';
+}
+
+QString tagLines(const FileProbe &facts)
+{
+    QString text;
+    for (const std::map<QString, QString> &entry : facts.metadata) {
+        const QString value = shortened(entry.at(u"value"_s));
+        if (!value.isEmpty() && value != "No"_L1) text += line(entry.at(u"key"_s), value);
+    }
+    return text;
 }
 
 } // namespace
 
 QString infoText(const QString &name, const FileProbe &facts)
 {
-    QString text = shown(name) + u'\n';
-    text += line(u"Kind"_s, judgement(facts));
-    if (facts.videoWidth && facts.videoHeight) text += line(u"Size"_s, resolution(facts));
-    if (facts.isValidMediaFile) text += line(u"Duration"_s, durationHuman(facts.duration));
+    QString text = terminalText(name) + u'\n' + line(u"Kind"_s, kindWithComplaint(facts));
+    if (facts.hasVideoTrack) text += line(u"Size"_s, frameSize(facts));
+    if (facts.isValidMediaFile)
+        text += line(u"Duration"_s, facts.duration > 0 ? durationHuman(facts.duration) : u"unknown"_s);
     if (facts.bitRate > 0) text += line(u"Bit rate"_s, u"%1 kbit/s"_s.arg((facts.bitRate + 500) / 1000));
-    if (facts.fileSizeHuman) text += line(u"File size"_s, *facts.fileSizeHuman);
-    for (const Dictionary &track : facts.tracksInfo) {
-        text += line(u"Track %1"_s.arg(shown(track.at("trackID"))), trackLine(track));
-    }
-    for (const std::map<QString, QString> &entry : facts.metadata) {
-        const QString value = entry.at(u"value"_s);
-        if (!value.isEmpty() && value != "No"_L1) text += line(entry.at(u"key"_s), shown(value));
-    }
-    return text;
+    if (facts.fileSize) text += line(u"File size"_s, *facts.fileSizeHuman);
+    return text + trackLines(facts.tracksInfo) + tagLines(facts);
 }
 
 } // namespace tessaly

@@ -1,5 +1,6 @@
 #include "cli/command_line.h"
 #include "cli/info_command.h"
+#include "cli/terminal_text.h"
 #include "platform/utf8_locale.h"
 
 #include <QCoreApplication>
@@ -18,7 +19,8 @@ int run(const ShowText &show)
 
 int run(const WrongUsage &wrong)
 {
-    std::fprintf(stderr, "tessaly-cli: %s See tessaly-cli --help.\n", wrong.reason.toUtf8().constData());
+    std::fprintf(stderr, "tessaly-cli: %s See tessaly-cli --help.\n",
+                 terminalText(wrong.reason).toUtf8().constData());
     return exitWrongUsage;
 }
 

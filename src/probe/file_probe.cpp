@@ -2,6 +2,7 @@
 
 #include "platform/bundle.h"
 #include "platform/child_process.h"
+#include "platform/number_text.h"
 #include "platform/paths.h"
 #include "platform/printing.h"
 #include "probe/file_facts.h"
@@ -17,27 +18,39 @@ using namespace Qt::StringLiterals;
 namespace {
 
 // A report is some kilobytes a stream; a prober that floods is stopped before the memory is gone.
-constexpr qint64 reportSizeLimit = 256 * 1024 * 1024;
+constexpr qint64 reportSizeLimit = 64 * 1024 * 1024;
 
-QByteArray runProber(const QString &path, std::chrono::milliseconds timeLimit)
+QStringList proberArguments(const QString &path)
 {
-    const std::optional<QString> prober = pathForResource(u"sniffer"_s);
-    if (!prober) return {};
-    const QStringList arguments{u"-v"_s,
-                                u"quiet"_s,
-                                u"-print_format"_s,
-                                u"json"_s,
-                                u"-show_format"_s,
-                                u"-show_streams"_s,
-                                u"-show_chapters"_s,
-                                u"-show_error"_s,
-                                path};
-    const CapturedRun run =
-        runCapturingOutput(*prober, arguments, {.time = timeLimit, .outputBytes = reportSizeLimit});
-    // The exit status is not looked at; but what a prober said that had to be stopped is not a report.
-    const auto end = run.outcome.end;
-    const bool endedByItself = end == ProcessOutcome::End::exited || end == ProcessOutcome::End::signalled;
-    return endedByItself ? run.output : QByteArray();
+    return {u"-v"_s,
+            u"quiet"_s,
+            u"-print_format"_s,
+            u"json"_s,
+            u"-show_format"_s,
+            u"-show_streams"_s,
+            u"-show_chapters"_s,
+            u"-show_error"_s,
+            path};
+}
+
+// The exit status of a prober that ended by itself is not looked at.
+std::optional<QString> failureOf(const ProcessOutcome &outcome, std::chrono::milliseconds timeLimit)
+{
+    switch (outcome.end) {
+    case ProcessOutcome::End::failedToStart:
+        return outcome.reason;
+    case ProcessOutcome::End::timedOut:
+        return u"The prober did not end within %1 seconds."_s.arg(
+            generalText(std::chrono::duration<double>(timeLimit).count()));
+    case ProcessOutcome::End::tooMuchOutput:
+        return u"The prober did not stop writing."_s;
+    case ProcessOutcome::End::stopped:
+        return u"The prober was stopped because the program is ending."_s;
+    case ProcessOutcome::End::exited:
+    case ProcessOutcome::End::signalled:
+        break;
+    }
+    return std::nullopt;
 }
 
 } // namespace
@@ -45,9 +58,10 @@ QByteArray runProber(const QString &path, std::chrono::milliseconds timeLimit)
 FileProbe::FileProbe(const QString &path, std::chrono::milliseconds timeLimit)
 {
     recordFile(path);
-    if (!readReport(runProber(path, timeLimit))) return;
+    const QByteArray output = runProber(path, timeLimit);
+    if (proberFailure || !readReport(output)) return;
     hasErrors = !jsonDictionary["error"].error();
-    if (!judgeValidity(path)) return;
+    if (!judgeValidity()) return;
     readStreams();
     readContainer();
     metadata = metadataOf(jsonDictionary["format"]["tags"]);
@@ -62,6 +76,21 @@ void FileProbe::recordFile(const QString &path)
     fileFullURL = fileURL(path);
 }
 
+QByteArray FileProbe::runProber(const QString &path, std::chrono::milliseconds timeLimit)
+{
+    const std::optional<QString> prober = pathForResource(u"sniffer"_s);
+    if (!prober) {
+        proberFailure = u"The prober \"sniffer\" is missing among the resources of this program."_s;
+    } else {
+        const ProcessLimits limits{.time = timeLimit, .outputBytes = reportSizeLimit};
+        const CapturedRun run = runCapturingOutput(*prober, proberArguments(path), limits);
+        proberFailure = failureOf(run.outcome, timeLimit);
+        if (!proberFailure) return run.output;
+    }
+    print(*proberFailure);
+    return {};
+}
+
 bool FileProbe::readReport(const QByteArray &output)
 {
     try {
@@ -74,13 +103,13 @@ bool FileProbe::readReport(const QByteArray &output)
     return true;
 }
 
-bool FileProbe::judgeValidity(const QString &path)
+bool FileProbe::judgeValidity()
 {
-    const auto streamCount = static_cast<qint64>(jsonDictionary["streams"].arrayValue().size());
+    const std::size_t streamCount = jsonDictionary["streams"].rawArray().size();
     if (streamCount == 0) return false;
-    numberOfStreams = streamCount;
+    numberOfStreams = static_cast<qint64>(streamCount);
     // A text file is reported as a picture of its characters.
-    isValidMediaFile = pathExtension(path).toLower() != "txt"_L1;
+    isValidMediaFile = pathExtension(filePath(*fileFullURL)).toLower() != "txt"_L1;
     return isValidMediaFile;
 }
 

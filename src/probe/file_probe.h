@@ -30,8 +30,9 @@ public:
 
     JSON jsonDictionary;    // the whole report; null when there was none that could be read
     bool hasErrors = false; // the report has an "error" member; gates nothing here
-    bool isValidMediaFile =
-        false; // at least one stream, and not called .txt; when false all below but the file facts is unset
+    // At least one stream, and not called .txt. When false, all below but numberOfStreams and the file facts
+    // keeps its initial value.
+    bool isValidMediaFile = false;
     bool isEncrypted = false; // a video stream without a codec name
     qint64 numberOfStreams = 0;
     bool hasVideoTrack = false; // moving pictures; a cover picture does not count
@@ -55,10 +56,15 @@ public:
     std::optional<QString> fileFullPath; // exactly as given
     std::optional<QUrl> fileFullURL;     // absolute
 
+    // A sentence to show when the prober could not be started or had to be stopped, so that nothing is known
+    // about the file; absent when it ended by itself, whatever it said.
+    std::optional<QString> proberFailure;
+
 private:
     void recordFile(const QString &path);
+    QByteArray runProber(const QString &path, std::chrono::milliseconds timeLimit);
     bool readReport(const QByteArray &output);
-    bool judgeValidity(const QString &path);
+    bool judgeValidity();
     void readStreams();
     void readContainer();
 };

@@ -3,6 +3,8 @@
 #include <QCoreApplication>
 #include <QEvent>
 #include <QPointer>
+#include <QScopedValueRollback>
+#include <QThread>
 
 namespace tessaly {
 
@@ -42,8 +44,6 @@ bool isUserInput(const QEvent &event)
     case QEvent::DragMove:
     case QEvent::Drop:
         return true;
-    case QEvent::Close:
-        return event.spontaneous();
     default:
         return false;
     }
@@ -56,18 +56,28 @@ bool answer(const QEvent &event)
     return event.type() == QEvent::Close || event.type() == QEvent::ShortcutOverride;
 }
 
+int nesting = 0;
+int outermostLoopLevel = 0;
+bool discardingWhatWaits = false;
+
+// Qt marks a close by code as spontaneous, too. The user's arrives in an event loop that was begun meanwhile.
+bool isClosedByUser(const QEvent &event)
+{
+    if (event.type() != QEvent::Close || !event.spontaneous()) return false;
+    return discardingWhatWaits || QThread::currentThread()->loopLevel() > outermostLoopLevel;
+}
+
 class Discarder : public QObject
 {
 public:
     bool eventFilter(QObject *, QEvent *event) override
     {
-        if (!isUserInput(*event)) return false;
+        if (!isUserInput(*event) && !isClosedByUser(*event)) return false;
         event->setAccepted(answer(*event));
         return true;
     }
 };
 
-int nesting = 0;
 QPointer<Discarder> discarder;
 
 } // namespace
@@ -75,13 +85,17 @@ QPointer<Discarder> discarder;
 BusyInput::BusyInput()
 {
     if (nesting++ > 0 || !QCoreApplication::instance()) return;
+    outermostLoopLevel = QThread::currentThread()->loopLevel();
     discarder = new Discarder;
     QCoreApplication::instance()->installEventFilter(discarder);
 }
 
 BusyInput::~BusyInput()
 {
-    if (nesting == 1 && QCoreApplication::instance()) QCoreApplication::processEvents();
+    if (nesting == 1 && QCoreApplication::instance()) {
+        const QScopedValueRollback discarding(discardingWhatWaits, true);
+        QCoreApplication::processEvents();
+    }
     if (--nesting == 0) delete discarder;
 }
 

@@ -1,0 +1,66 @@
+// A resource folder of a test's own, whose "sniffer" and "creator" do what the test says.
+//
+// Steps of the fake tool, with their parameters; "output" is the last argument it was started with:
+//   print TEXT, print-file FILE           to standard output
+//   rubbish, invalid-utf8, open-brace     to standard output: what a broken prober may print
+//   print-input-kind                      to standard output: "null device", "ended", "open" or "closed"
+//   complain TEXT                         to standard error
+//   progress MILLISECONDS TEXT…           to standard error, each text in one write, with that pause after it
+//   flood-stdout BYTES, flood-stderr BYTES
+//   pause MILLISECONDS
+//   hang                                  for ever, until a signal ends it
+//   ignore-terminate                      from here on
+//   slow-flush MILLISECONDS [STATUS]      waits for the terminate signal, then so long, then exits (255)
+//   crash                                 dies of a signal (SIGSEGV)
+//   exit STATUS
+//   fail-at-call N [STATUS]               exits (1) when this is the Nth call, goes on otherwise
+//   write-output TEXT, copy-to-output FILE
+//   leave-behind MILLISECONDS             leaves a process that keeps the standard channels open so long
+//   become PROGRAM                        goes on as this program, with the same arguments
+// After the last step it exits with 0. A wrong step ends it with 99 and a line on standard error.
+#pragma once
+
+#include <QList>
+#include <QString>
+#include <QStringList>
+#include <QTemporaryDir>
+
+namespace tessaly::test {
+
+class FakeTools
+{
+public:
+    // Both tools are there, do nothing and exit with 0; pathForResource() finds them while the object lives.
+    FakeTools();
+    ~FakeTools();
+    FakeTools(const FakeTools &) = delete;
+    FakeTools &operator=(const FakeTools &) = delete;
+
+    QString folder() const;
+    QString path(const QString &tool) const;
+
+    // One step; the first word of each list is its name.
+    void setBehaviour(const QString &tool, const QString &name, const QStringList &parameters = {});
+    void setSteps(const QString &tool, const QList<QStringList> &steps);
+
+    void useRealTool(const QString &tool);
+    static QString realTool(const QString &tool);
+    void remove(const QString &tool);
+    // Puts something there that is no program.
+    void replaceByFolder(const QString &tool);
+    void replaceByPlainFile(const QString &tool);
+    void replaceByBrokenLink(const QString &tool);
+
+    // The arguments of each start of a fake, oldest first; the real tools note nothing.
+    QList<QStringList> calls(const QString &tool) const;
+    void forgetCalls(const QString &tool);
+    // Processes of a fake that still exist, those that they left behind among them.
+    QList<qint64> runningProcesses(const QString &tool) const;
+
+private:
+    void useFake(const QString &tool);
+
+    QTemporaryDir resources;
+};
+
+} // namespace tessaly::test

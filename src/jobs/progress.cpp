@@ -1,0 +1,21 @@
+#include "jobs/progress.h"
+
+#include "jobs/utils.h"
+
+namespace tessaly {
+
+using namespace Qt::StringLiterals;
+
+std::optional<double> percentOfChunk(const QByteArray &chunk, double duration)
+{
+    // Decoding would silently replace what is not valid.
+    if (!chunk.contains("time=") || !chunk.isValidUtf8()) return std::nullopt;
+    const QStringList matches = Utils::matchesForRegex(
+        u"([0-9][0-9]):([0-9][0-9]):([0-9][0-9]).([0-9][0-9])"_s, QString::fromUtf8(chunk));
+    if (matches.isEmpty()) return std::nullopt;
+    const std::optional<double> seconds = Utils::secondsFromTimestamp(matches.first());
+    if (!seconds) return std::nullopt;
+    return *seconds / duration * 100.0;
+}
+
+} // namespace tessaly

@@ -1,0 +1,169 @@
+#include "ui/file_panels.h"
+
+#include "platform/paths.h"
+
+#include <QDialogButtonBox>
+#include <QDir>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QLineEdit>
+#include <QMessageBox>
+#include <QPushButton>
+
+namespace tessaly {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+// A sheet of plain text on a panel. It deletes itself.
+QMessageBox *makeQuestion(QWidget *panel, const QString &text)
+{
+    auto *box = new QMessageBox(panel);
+    box->setAttribute(Qt::WA_DeleteOnClose);
+    box->setTextFormat(Qt::PlainText);
+    box->setText(text);
+    return box;
+}
+
+// What both panels share: Qt's own dialog, driven alike by people and tests, whose acceptance is judged here,
+// so that all questions are sheets and names with quotation marks (a list of names to Qt) are taken
+// literally.
+class PanelDialog : public QFileDialog
+{
+public:
+    PanelDialog(QWidget *window, const QString &title, const QString &directory) : QFileDialog(window)
+    {
+        setAttribute(Qt::WA_DeleteOnClose);
+        setOption(QFileDialog::DontUseNativeDialog);
+        setWindowTitle(title);
+        setDirectory(!directory.isEmpty() && QFileInfo(directory).isDir() ? directory : QDir::homePath());
+    }
+
+    void begin(PanelCompletion completion)
+    {
+        // Qt knows only the files that it lists; a name is judged when it is accepted.
+        connect(nameField(), &QLineEdit::textChanged, this,
+                [this](const QString &name) { acceptButton()->setEnabled(!name.isEmpty()); });
+        connect(this, &QDialog::finished, this, [this, completion = std::move(completion)](int result) {
+            completion(result == QDialog::Accepted ? panelResponseOK : panelResponseCancel, m_path);
+        });
+        open();
+    }
+
+    void accept() override
+    {
+        const QString path = chosenPath();
+        if (QFileInfo(path).isDir()) {
+            setDirectory(path);
+            nameField()->clear();
+        } else {
+            judge(path);
+        }
+    }
+
+protected:
+    // Ends the panel with the path, or asks.
+    virtual void judge(const QString &path) = 0;
+
+    void finish(const QString &path)
+    {
+        m_path = path;
+        done(QDialog::Accepted);
+    }
+
+private:
+    QLineEdit *nameField() const { return findChild<QLineEdit *>(u"fileNameEdit"_s); }
+    bool holdsQuotationMark() const { return nameField()->text().contains(u'"'); }
+
+    QPushButton *acceptButton() const
+    {
+        const auto role = acceptMode() == AcceptOpen ? QDialogButtonBox::Open : QDialogButtonBox::Save;
+        return findChild<QDialogButtonBox *>()->button(role);
+    }
+
+    QString chosenPath() const
+    {
+        if (holdsQuotationMark()) return directory().absoluteFilePath(nameField()->text());
+        return selectedFiles().value(0);
+    }
+
+    QString m_path; // empty unless accepted
+};
+
+class OpenDialog : public PanelDialog
+{
+public:
+    using PanelDialog::PanelDialog;
+
+protected:
+    void judge(const QString &path) override
+    {
+        if (QFileInfo::exists(path)) {
+            finish(path);
+            return;
+        }
+        QMessageBox *box = makeQuestion(this, u"“%1” does not exist."_s.arg(lastPathComponent(path)));
+        box->addButton(u"OK"_s, QMessageBox::AcceptRole);
+        box->open();
+    }
+};
+
+class SaveDialog : public PanelDialog
+{
+public:
+    using PanelDialog::PanelDialog;
+
+    SavePanel::NameRule nameRule;
+
+protected:
+    void judge(const QString &path) override
+    {
+        const QString meant = nameRule ? nameRule(path) : path;
+        if (QFileInfo::exists(meant)) {
+            askBeforeReplacing(meant);
+        } else {
+            finish(meant);
+        }
+    }
+
+private:
+    void askBeforeReplacing(const QString &path)
+    {
+        const QString question = u"“%1” already exists. Do you want to replace it?"_s;
+        QMessageBox *box = makeQuestion(this, question.arg(lastPathComponent(path)));
+        box->setIcon(QMessageBox::Warning);
+        QPushButton *replace = box->addButton(u"Replace"_s, QMessageBox::DestructiveRole);
+        QPushButton *cancel = box->addButton(u"Cancel"_s, QMessageBox::RejectRole);
+        box->setDefaultButton(cancel);
+        box->setEscapeButton(cancel);
+        connect(box, &QDialog::finished, this, [this, box, replace, path] {
+            if (box->clickedButton() == replace) finish(path);
+        });
+        box->open();
+    }
+};
+
+} // namespace
+
+void OpenPanel::beginSheet(QWidget *window, PanelCompletion completion) const
+{
+    auto *dialog = new OpenDialog(window, title, directory);
+    dialog->setObjectName(u"openPanel"_s);
+    dialog->setFileMode(QFileDialog::ExistingFile);
+    dialog->begin(std::move(completion));
+}
+
+void SavePanel::beginSheet(QWidget *window, PanelCompletion completion) const
+{
+    auto *dialog = new SaveDialog(window, title, directory);
+    dialog->setObjectName(u"savePanel"_s);
+    dialog->setAcceptMode(QFileDialog::AcceptSave);
+    if (!requiredFileType.isEmpty())
+        dialog->setNameFilter(u"%1 (*.%2)"_s.arg(requiredFileType.toUpper(), requiredFileType));
+    dialog->selectFile(nameFieldStringValue);
+    dialog->nameRule = nameRule;
+    dialog->begin(std::move(completion));
+}
+
+} // namespace tessaly

@@ -49,21 +49,16 @@ bool isUserInput(const QEvent &event)
     }
 }
 
-// What the sender of a discarded event reads as the answer. A drag learns that nothing is accepted. A close
-// that is part of the application's end must not stop that end, and a key must not be tried as a shortcut.
-bool answer(const QEvent &event)
-{
-    return event.type() == QEvent::Close || event.type() == QEvent::ShortcutOverride;
-}
-
 int nesting = 0;
 int outermostLoopLevel = 0;
 bool discardingWhatWaits = false;
+bool applicationIsQuitting = false;
 
-// Qt marks a close by code as spontaneous, too. The user's arrives in an event loop that was begun meanwhile.
+// Qt marks a close by code as spontaneous, too. The user's arrives in an event loop that was begun meanwhile;
+// so do those by which the application ends all its windows, and they must get through: it tries for ever.
 bool isClosedByUser(const QEvent &event)
 {
-    if (event.type() != QEvent::Close || !event.spontaneous()) return false;
+    if (event.type() != QEvent::Close || !event.spontaneous() || applicationIsQuitting) return false;
     return discardingWhatWaits || QThread::currentThread()->loopLevel() > outermostLoopLevel;
 }
 
@@ -72,8 +67,11 @@ class Discarder : public QObject
 public:
     bool eventFilter(QObject *, QEvent *event) override
     {
+        if (event->type() == QEvent::Quit) applicationIsQuitting = true;
         if (!isUserInput(*event) && !isClosedByUser(*event)) return false;
-        event->setAccepted(answer(*event));
+        // The sender reads this as the answer: a drag learns that nothing is accepted, a key is not tried as
+        // a shortcut.
+        event->setAccepted(event->type() == QEvent::ShortcutOverride);
         return true;
     }
 };
@@ -86,6 +84,7 @@ BusyInput::BusyInput()
 {
     if (nesting++ > 0 || !QCoreApplication::instance()) return;
     outermostLoopLevel = QThread::currentThread()->loopLevel();
+    applicationIsQuitting = false;
     discarder = new Discarder;
     QCoreApplication::instance()->installEventFilter(discarder);
 }

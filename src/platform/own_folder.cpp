@@ -15,6 +15,14 @@ namespace {
 
 constexpr mode_t ownerOnly = 0700;
 
+// With a slash at its end a path would name what a link leads to.
+QByteArray entryName(QString path)
+{
+    while (path.endsWith(u'/'))
+        path.chop(1);
+    return QFile::encodeName(path);
+}
+
 // A descriptor of the folder; -1 when it is a link, no folder, or not ours.
 int openOwnFolder(int parent, const char *name)
 {
@@ -60,14 +68,14 @@ void removeEntry(int parent, const char *name)
 
 bool isOwnFolder(const QString &path)
 {
-    const int folder = openOwnFolder(AT_FDCWD, QFile::encodeName(path).constData());
+    const int folder = openOwnFolder(AT_FDCWD, entryName(path).constData());
     if (folder >= 0) close(folder);
     return folder >= 0;
 }
 
 bool makeOwnFolder(const QString &path)
 {
-    const QByteArray name = QFile::encodeName(path);
+    const QByteArray name = entryName(path);
     mkdir(name.constData(), ownerOnly);
     const int folder = openOwnFolder(AT_FDCWD, name.constData());
     if (folder < 0) return false;
@@ -84,7 +92,8 @@ QString makeFreshFolder(const QString &pathBeginning)
 
 void removeWhole(const QString &path)
 {
-    if (path.startsWith(u'/')) removeEntry(AT_FDCWD, QFile::encodeName(path).constData());
+    const QByteArray name = entryName(path);
+    if (name.startsWith('/')) removeEntry(AT_FDCWD, name.constData());
 }
 
 } // namespace tessaly

@@ -117,10 +117,10 @@ void FakeTools::replaceByFolder(const QString &tool)
     require(QDir().mkdir(path(tool)), path(tool));
 }
 
-void FakeTools::replaceByPlainFile(const QString &tool)
+void FakeTools::replaceByPlainFile(const QString &tool, const QByteArray &contents)
 {
     remove(tool);
-    writeFile(path(tool), "no program\n");
+    writeFile(path(tool), contents);
 }
 
 void FakeTools::replaceByBrokenLink(const QString &tool)

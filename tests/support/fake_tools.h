@@ -20,6 +20,7 @@
 // After the last step it exits with 0. A wrong step ends it with 99 and a line on standard error.
 #pragma once
 
+#include <QByteArray>
 #include <QList>
 #include <QString>
 #include <QStringList>
@@ -48,7 +49,7 @@ public:
     void remove(const QString &tool);
     // Puts something there that is no program.
     void replaceByFolder(const QString &tool);
-    void replaceByPlainFile(const QString &tool);
+    void replaceByPlainFile(const QString &tool, const QByteArray &contents = "no program\n");
     void replaceByBrokenLink(const QString &tool);
 
     // The arguments of each start of a fake, oldest first; the real tools note nothing.

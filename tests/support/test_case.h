@@ -15,8 +15,8 @@ class TestCase : public QObject
 {
     Q_OBJECT
 
-private Q_SLOTS:
-    void init();
+protected Q_SLOTS:
+    void init(); // a class with an init() of its own calls this one
 };
 
 // To be called before the application object is made.

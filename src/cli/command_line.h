@@ -1,0 +1,42 @@
+// Reads the words of a tessaly-cli call.
+#pragma once
+
+#include <QByteArrayList>
+#include <QString>
+
+#include <optional>
+#include <variant>
+#include <vector>
+
+namespace tessaly {
+
+// A file as it was named on the command line.
+struct NamedFile
+{
+    QString shown;               // for messages; what is not UTF-8 is replaced
+    std::optional<QString> path; // absolute; nothing when the name is not UTF-8 and so cannot be opened
+};
+
+struct InfoCommand
+{
+    std::vector<NamedFile> files; // at least one
+    bool json = false;
+    bool verbose = false; // diagnostics go to standard error instead of nowhere
+};
+
+struct ShowText // --help, --version
+{
+    QString text;
+};
+
+struct WrongUsage
+{
+    QString reason; // one line
+};
+
+using Command = std::variant<InfoCommand, ShowText, WrongUsage>;
+
+// The words as the system gave them, without the program's own name.
+Command readCommandLine(const QByteArrayList &words);
+
+} // namespace tessaly

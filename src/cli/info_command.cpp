@@ -1,0 +1,57 @@
+#include "cli/info_command.h"
+
+#include "cli/info_json.h"
+#include "cli/info_text.h"
+#include "cli/terminal_text.h"
+#include "platform/printing.h"
+
+#include <cstdio>
+
+namespace tessaly {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+bool write(std::FILE *stream, const QByteArray &text)
+{
+    const auto size = static_cast<std::size_t>(text.size());
+    return std::fwrite(text.constData(), 1, size, stream) == size && std::fflush(stream) == 0;
+}
+
+void complain(const QString &complaint)
+{
+    write(stderr, "tessaly-cli: " + terminalText(complaint).toUtf8() + '\n');
+}
+
+FileProbe probe(const NamedFile &file)
+{
+    if (file.path) return FileProbe(*file.path);
+    FileProbe refused;
+    refused.proberFailure = u"The name is not valid UTF-8, so the file cannot be opened."_s;
+    return refused;
+}
+
+} // namespace
+
+ExitCode runInfo(const InfoCommand &command)
+{
+    setPrintTarget(command.verbose ? PrintTarget::standardError : PrintTarget::nowhere);
+    bool allValid = true;
+    bool first = true;
+    for (const NamedFile &file : command.files) {
+        const FileProbe facts = probe(file);
+        allValid = allValid && facts.isValidMediaFile;
+        if (facts.proberFailure) complain(file.shown + u": "_s + *facts.proberFailure);
+        const QByteArray text = command.json ? infoJson(facts) + '\n'
+                                             : (first ? "" : "\n") + infoText(file.shown, facts).toUtf8();
+        if (!write(stdout, text)) {
+            complain(u"Standard output cannot be written."_s);
+            return exitFailed;
+        }
+        first = false;
+    }
+    return allValid ? exitDone : exitFailed;
+}
+
+} // namespace tessaly

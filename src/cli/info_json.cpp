@@ -1,0 +1,131 @@
+#include "cli/info_json.h"
+
+#include "platform/paths.h"
+#include "json/text_writer.h"
+
+#include <array>
+#include <cmath>
+
+namespace tessaly {
+
+namespace {
+
+// Writes members in the order of the calls.
+class MemberWriter
+{
+public:
+    explicit MemberWriter(EventSink &sink) : m_sink(sink) {}
+
+    void member(std::string_view name, bool value)
+    {
+        m_sink.key(name);
+        m_sink.boolean(value);
+    }
+    void member(std::string_view name, qint64 value) { number(name, Number(std::int64_t{value})); }
+    void member(std::string_view name, quint64 value) { number(name, Number(std::uint64_t{value})); }
+    void member(std::string_view name, double value)
+    {
+        if (std::isfinite(value)) {
+            number(name, Number(value));
+        } else {
+            null(name);
+        }
+    }
+    void member(std::string_view name, const QString &value)
+    {
+        m_sink.key(name);
+        m_sink.string(value.toStdString());
+    }
+    void member(std::string_view name, const QUrl &value) { member(name, absoluteString(value)); }
+
+    template<class Value>
+    void member(std::string_view name, const std::optional<Value> &value)
+    {
+        if (value) {
+            member(name, *value);
+        } else {
+            null(name);
+        }
+    }
+
+private:
+    void number(std::string_view name, const Number &value)
+    {
+        m_sink.key(name);
+        m_sink.number(value);
+    }
+    void null(std::string_view name)
+    {
+        m_sink.key(name);
+        m_sink.null();
+    }
+
+    EventSink &m_sink;
+};
+
+void writeTrack(EventSink &sink, const Dictionary &track)
+{
+    constexpr std::array keys{"trackType",          "trackCodec",         "trackID",
+                              "trackSpecialInfo",   "trackPresentInfile", "trackDuration",
+                              "trackDurationHuman", "trackLanguage"};
+    MemberWriter members(sink);
+    sink.beginDictionary();
+    for (const char *key : keys) {
+        const JSON value(track.at(key));
+        if (value.type() == Type::number) {
+            members.member(key, value.doubleValue());
+        } else {
+            members.member(key, QString::fromStdString(value.stringValue()));
+        }
+    }
+    sink.endDictionary();
+}
+
+} // namespace
+
+QByteArray infoJson(const FileProbe &facts)
+{
+    TextWriter sink;
+    MemberWriter members(sink);
+    sink.beginDictionary();
+    members.member("hasErrors", facts.hasErrors);
+    members.member("isValidMediaFile", facts.isValidMediaFile);
+    members.member("isEncrypted", facts.isEncrypted);
+    members.member("numberOfStreams", facts.numberOfStreams);
+    members.member("hasVideoTrack", facts.hasVideoTrack);
+    members.member("hasAudioTrack", facts.hasAudioTrack);
+    members.member("hasSubtitleTrack", facts.hasSubtitleTrack);
+    members.member("hasAudioTrackWhichHasMoreThanTwoChannels",
+                   facts.hasAudioTrackWhichHasMoreThanTwoChannels);
+    members.member("duration", facts.duration);
+    members.member("bitRate", facts.bitRate);
+    members.member("videoWidth", facts.videoWidth);
+    members.member("videoHeight", facts.videoHeight);
+    members.member("videoRatio", facts.videoRatio);
+    members.member("tagRotateValue", facts.tagRotateValue);
+
+    sink.key("tracksInfo");
+    sink.beginArray();
+    for (const Dictionary &track : facts.tracksInfo)
+        writeTrack(sink, track);
+    sink.endArray();
+
+    sink.key("metadata");
+    sink.beginArray();
+    for (const std::map<QString, QString> &entry : facts.metadata) {
+        sink.beginDictionary();
+        for (const auto &[key, value] : entry)
+            members.member(key.toStdString(), value);
+        sink.endDictionary();
+    }
+    sink.endArray();
+
+    members.member("fileSize", facts.fileSize);
+    members.member("fileSizeHuman", facts.fileSizeHuman);
+    members.member("fileFullPath", facts.fileFullPath);
+    members.member("fileFullURL", facts.fileFullURL);
+    sink.endDictionary();
+    return QByteArray::fromStdString(sink.text());
+}
+
+} // namespace tessaly

@@ -1,0 +1,22 @@
+// Sends an object, event by event.
+#pragma once
+
+#include "json/events.h"
+#include "json/object.h"
+
+#include <cstddef>
+#include <limits>
+
+namespace tessaly {
+
+struct EventOptions
+{
+    bool absentAsNull = false;
+    std::size_t deepestLevel = std::numeric_limits<std::size_t>::max();
+};
+
+// Throws JSONException: elementTooDeep for a container beyond the deepest level, invalidJSON for bytes, for
+// objects of an unknown type, and for absent ones unless they are sent as null. The sink then has had a part.
+void sendEvents(const Object &object, EventSink &sink, EventOptions options = {});
+
+} // namespace tessaly

@@ -1,0 +1,27 @@
+// Hears when the system or a person at the terminal asks the program to end.
+#pragma once
+
+#include <functional>
+#include <thread>
+
+namespace tessaly {
+
+// While one lives, SIGTERM, SIGINT and SIGHUP do not end the program but call the handler, each time, on a
+// thread of the watch. At most one at a time. A child that is started meanwhile has the usual treatment of
+// signals.
+class TerminationWatch
+{
+public:
+    explicit TerminationWatch(std::function<void()> handler);
+    ~TerminationWatch(); // gives the signals their former treatment back
+    TerminationWatch(const TerminationWatch &) = delete;
+    TerminationWatch &operator=(const TerminationWatch &) = delete;
+
+    // True from the very arrival of a signal on, before the handler is called. Any thread.
+    static bool wasAsked();
+
+private:
+    std::thread m_thread;
+};
+
+} // namespace tessaly

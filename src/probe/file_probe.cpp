@@ -1,0 +1,138 @@
+#include "probe/file_probe.h"
+
+#include "platform/bundle.h"
+#include "platform/child_process.h"
+#include "platform/number_text.h"
+#include "platform/paths.h"
+#include "platform/printing.h"
+#include "probe/file_facts.h"
+#include "probe/metadata.h"
+#include "probe/rotation_tags.h"
+#include "probe/stream_facts.h"
+#include "probe/track_records.h"
+
+namespace tessaly {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+// A report is some kilobytes a stream; a prober that floods is stopped before the memory is gone.
+constexpr qint64 reportSizeLimit = 64 * 1024 * 1024;
+
+QStringList proberArguments(const QString &path)
+{
+    return {u"-v"_s,
+            u"quiet"_s,
+            u"-print_format"_s,
+            u"json"_s,
+            u"-show_format"_s,
+            u"-show_streams"_s,
+            u"-show_chapters"_s,
+            u"-show_error"_s,
+            path};
+}
+
+// The exit status of a prober that ended by itself is not looked at.
+std::optional<QString> failureOf(const ProcessOutcome &outcome, std::chrono::milliseconds timeLimit)
+{
+    switch (outcome.end) {
+    case ProcessOutcome::End::failedToStart:
+        return outcome.reason;
+    case ProcessOutcome::End::timedOut:
+        return u"The prober did not end within %1 seconds."_s.arg(
+            generalText(std::chrono::duration<double>(timeLimit).count()));
+    case ProcessOutcome::End::tooMuchOutput:
+        return u"The prober did not stop writing."_s;
+    case ProcessOutcome::End::stopped:
+        return u"The prober was stopped because the program is ending."_s;
+    case ProcessOutcome::End::exited:
+    case ProcessOutcome::End::signalled:
+        break;
+    }
+    return std::nullopt;
+}
+
+} // namespace
+
+FileProbe::FileProbe(const QString &path, std::chrono::milliseconds timeLimit)
+{
+    recordFile(path);
+    const QByteArray output = runProber(path, timeLimit);
+    if (proberFailure || !readReport(output)) return;
+    hasErrors = !jsonDictionary["error"].error();
+    if (!judgeValidity()) return;
+    readStreams();
+    readContainer();
+    metadata = metadataOf(jsonDictionary["format"]["tags"]);
+    recordTracks(*this, path);
+}
+
+void FileProbe::recordFile(const QString &path)
+{
+    fileSize = tessaly::fileSize(path);
+    fileSizeHuman = tessaly::fileSizeHuman(path);
+    fileFullPath = path;
+    fileFullURL = fileURL(path);
+}
+
+QByteArray FileProbe::runProber(const QString &path, std::chrono::milliseconds timeLimit)
+{
+    const std::optional<QString> prober = pathForResource(u"sniffer"_s);
+    if (!prober) {
+        proberFailure = u"The prober \"sniffer\" is missing among the resources of this program."_s;
+    } else {
+        const ProcessLimits limits{.time = timeLimit, .outputBytes = reportSizeLimit};
+        const CapturedRun run = runCapturingOutput(*prober, proberArguments(path), limits);
+        proberFailure = failureOf(run.outcome, timeLimit);
+        if (!proberFailure) return run.output;
+    }
+    print(*proberFailure);
+    return {};
+}
+
+bool FileProbe::readReport(const QByteArray &output)
+{
+    try {
+        jsonDictionary = JSON::fromBytes({output.constData(), static_cast<std::size_t>(output.size())});
+    } catch (const ParseError &error) {
+        print(QString::fromStdString(error.description()));
+        return false;
+    }
+    restoreRotateTags(jsonDictionary);
+    return true;
+}
+
+bool FileProbe::judgeValidity()
+{
+    const std::size_t streamCount = jsonDictionary["streams"].rawArray().size();
+    if (streamCount == 0) return false;
+    numberOfStreams = static_cast<qint64>(streamCount);
+    // A text file is reported as a picture of its characters.
+    isValidMediaFile = pathExtension(filePath(*fileFullURL)).toLower() != "txt"_L1;
+    return isValidMediaFile;
+}
+
+void FileProbe::readStreams()
+{
+    const std::vector<JSON> streams = jsonDictionary["streams"].arrayValue();
+    isEncrypted = hasUnnamedVideoCodec(streams);
+    if (const std::optional<MainVideo> video = mainVideo(streams)) {
+        hasVideoTrack = true;
+        videoWidth = video->width;
+        videoHeight = video->height;
+        tagRotateValue = video->rotate;
+        videoRatio = static_cast<double>(video->width) / static_cast<double>(video->height);
+    }
+    hasAudioTrack = hasAudio(streams);
+    hasAudioTrackWhichHasMoreThanTwoChannels = hasMoreThanTwoChannels(streams);
+    hasSubtitleTrack = hasSubtitles(streams);
+}
+
+void FileProbe::readContainer()
+{
+    duration = jsonDictionary["format"]["duration"].doubleValue();
+    bitRate = jsonDictionary["format"]["bit_rate"].intValue();
+}
+
+} // namespace tessaly

@@ -1,0 +1,71 @@
+#include "probe/stream_facts.h"
+
+#include <algorithm>
+
+namespace tessaly {
+
+namespace {
+
+bool isVideo(const JSON &stream)
+{
+    return stream["codec_type"] == JSON("video");
+}
+
+} // namespace
+
+bool isTurnedByAQuarter(const JSON &stream)
+{
+    const JSON rotate = stream["tags"]["rotate"];
+    return rotate == JSON("90") || rotate == JSON("270");
+}
+
+bool isStillPicture(const JSON &stream)
+{
+    return stream["avg_frame_rate"] == JSON("0/0");
+}
+
+bool isRealSubtitle(const JSON &stream)
+{
+    return stream["codec_type"] == JSON("subtitle") && stream["codec_tag_string"] != JSON("text") &&
+           stream["codec_name"] != JSON();
+}
+
+bool hasUnnamedVideoCodec(const std::vector<JSON> &streams)
+{
+    return std::any_of(streams.begin(), streams.end(),
+                       [](const JSON &stream) { return isVideo(stream) && stream["codec_name"] == JSON(); });
+}
+
+std::optional<MainVideo> mainVideo(const std::vector<JSON> &streams)
+{
+    const auto found = std::find_if(streams.begin(), streams.end(), [](const JSON &stream) {
+        return isVideo(stream) && !isStillPicture(stream);
+    });
+    if (found == streams.end()) return std::nullopt;
+
+    const JSON &stream = *found;
+    MainVideo video{.width = stream["width"].intValue(),
+                    .height = stream["height"].intValue(),
+                    .rotate = stream["tags"]["rotate"].intValue()};
+    if (isTurnedByAQuarter(stream)) std::swap(video.width, video.height);
+    return video;
+}
+
+bool hasAudio(const std::vector<JSON> &streams)
+{
+    return std::any_of(streams.begin(), streams.end(),
+                       [](const JSON &stream) { return stream["codec_type"] == JSON("audio"); });
+}
+
+bool hasMoreThanTwoChannels(const std::vector<JSON> &streams)
+{
+    return std::any_of(streams.begin(), streams.end(),
+                       [](const JSON &stream) { return stream["channels"].int_().value_or(0) > 2; });
+}
+
+bool hasSubtitles(const std::vector<JSON> &streams)
+{
+    return std::any_of(streams.begin(), streams.end(), isRealSubtitle);
+}
+
+} // namespace tessaly

@@ -1,9 +1,9 @@
 #include "background_run.h"
-#include "captured_output.h"
 #include "jobs/converter_run.h"
 #include "jobs/progress.h"
 #include "platform/child_process.h"
 #include "support/fake_tools.h"
+#include "support/output_capture.h"
 #include "support/test_case.h"
 
 #include <QElapsedTimer>
@@ -136,9 +136,8 @@ void TestConverterRun::inheritsStandardOutput()
 {
     test::FakeTools tools;
     tools.setSteps(creator, {{u"print"_s, u"a line\n"_s}, {u"complain"_s, u"an error"_s}});
-    test::CapturedOutput output;
-    const RunOutcome outcome = ConverterRun().run({});
-    QCOMPARE(output.finish(), "a line\n");
+    RunOutcome outcome;
+    QCOMPARE(test::writtenTo(STDOUT_FILENO, [&] { outcome = ConverterRun().run({}); }), "a line\n");
     QCOMPARE(outcome.lastText, "an error");
 }
 
@@ -146,9 +145,7 @@ void TestConverterRun::hasNoTerminal()
 {
     test::FakeTools tools;
     tools.setBehaviour(creator, u"print-input-kind"_s);
-    test::CapturedOutput output;
-    QCOMPARE(ConverterRun().run({}).code, 0);
-    QCOMPARE(output.finish(), "null device");
+    QCOMPARE(test::writtenTo(STDOUT_FILENO, [] { ConverterRun().run({}); }), "null device");
 }
 
 void TestConverterRun::hasAProcessGroupOfItsOwn()
@@ -201,20 +198,26 @@ void TestConverterRun::tellsWhoKilledIt()
     QCOMPARE(job.outcome().lastText, "last words");
 }
 
-using Breaking = void (test::FakeTools::*)(const QString &);
+using Breaking = std::function<void(test::FakeTools &)>;
 
 void TestConverterRun::tellsWhyItDidNotStart_data()
 {
     QTest::addColumn<Breaking>("breakTool");
     QTest::addColumn<QString>("reason");
-    QTest::newRow("missing") << Breaking(&test::FakeTools::remove)
-                             << u"The converter \"creator\" is missing."_s;
-    QTest::newRow("broken link") << Breaking(&test::FakeTools::replaceByBrokenLink)
-                                 << u"The converter \"creator\" is missing."_s;
-    QTest::newRow("folder") << Breaking(&test::FakeTools::replaceByFolder)
-                            << u"creator\" is a folder, not a program."_s;
-    QTest::newRow("not executable") << Breaking(&test::FakeTools::replaceByPlainFile)
-                                    << u"creator\" is not marked as executable."_s;
+    const auto missing = u"The converter \"creator\" is missing."_s;
+    const auto row = [](const char *name, const Breaking &breakTool, const QString &reason) {
+        QTest::newRow(name) << breakTool << reason;
+    };
+    row(
+        "missing", [](auto &tools) { tools.remove(creator); }, missing);
+    row(
+        "broken link", [](auto &tools) { tools.replaceByBrokenLink(creator); }, missing);
+    row(
+        "folder", [](auto &tools) { tools.replaceByFolder(creator); },
+        u"creator\" is a folder, not a program."_s);
+    row(
+        "not executable", [](auto &tools) { tools.replaceByPlainFile(creator); },
+        u"creator\" is not marked as executable."_s);
 }
 
 void TestConverterRun::tellsWhyItDidNotStart()
@@ -222,7 +225,7 @@ void TestConverterRun::tellsWhyItDidNotStart()
     QFETCH(Breaking, breakTool);
     QFETCH(QString, reason);
     test::FakeTools tools;
-    (tools.*breakTool)(creator);
+    breakTool(tools);
     const RunOutcome outcome = ConverterRun().run({});
     QCOMPARE(outcome.end, End::failedToStart);
     QVERIFY2(outcome.reason.endsWith(reason), qPrintable(outcome.reason));

@@ -1,6 +1,8 @@
-#include "captured_output.h"
 #include "jobs/utils.h"
+#include "support/output_capture.h"
 #include "support/test_case.h"
+
+#include <unistd.h>
 
 using namespace tessaly;
 using namespace Qt::StringLiterals;
@@ -141,10 +143,10 @@ void TestUtils::printsAnInvalidPattern_data()
 void TestUtils::printsAnInvalidPattern()
 {
     QFETCH(QString, pattern);
-    test::CapturedOutput output;
-    const QStringList found = Utils::matchesForRegex(pattern, u"(abc"_s);
-    QCOMPARE(QString::fromUtf8(output.finish()),
-             u"invalid regex: The value “"_s + pattern + u"” is invalid.\n"_s);
+    QStringList found;
+    const QByteArray printed =
+        test::writtenTo(STDOUT_FILENO, [&] { found = Utils::matchesForRegex(pattern, u"(abc"_s); });
+    QCOMPARE(QString::fromUtf8(printed), u"invalid regex: The value “"_s + pattern + u"” is invalid.\n"_s);
     QCOMPARE(found, QStringList());
 }
 

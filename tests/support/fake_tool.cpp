@@ -119,8 +119,8 @@ void flood(int channel, long long bytes)
 
 void pauseFor(const std::string &milliseconds)
 {
-    std::this_thread::sleep_for(
-        std::chrono::milliseconds(std::stol(milliseconds))); // waits on purpose: a slow tool
+    const std::chrono::milliseconds time(std::stol(milliseconds));
+    std::this_thread::sleep_for(time); // waits on purpose: a slow tool
 }
 
 [[noreturn]] void hang()

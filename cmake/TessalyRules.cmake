@@ -38,11 +38,47 @@ elseif(CMAKE_BUILD_TYPE STREQUAL "Release")
   target_link_options(tessaly_rules INTERFACE -Wl,-z,relro,-z,now)
 endif()
 
+# What nearly every source includes, compiled once for each kind of target. Sources include what they use all the same.
+function(tessaly_precompiled name)
+  file(CONFIGURE OUTPUT "${CMAKE_BINARY_DIR}/precompiled/${name}.cpp" CONTENT "")
+  add_library(tessaly_precompiled_${name} STATIC "${CMAKE_BINARY_DIR}/precompiled/${name}.cpp")
+  set_target_properties(tessaly_precompiled_${name} PROPERTIES AUTOMOC OFF POSITION_INDEPENDENT_CODE ON)
+  target_link_libraries(tessaly_precompiled_${name} PRIVATE tessaly_rules ${ARGN})
+endfunction()
+
+tessaly_precompiled(core Qt6::Core)
+target_precompile_headers(tessaly_precompiled_core PRIVATE <optional> <string> <vector> <QProcess> <QStringList> <QUrl>)
+tessaly_precompiled(widgets Qt6::Widgets)
+target_precompile_headers(tessaly_precompiled_widgets PRIVATE <optional> <string> <vector> <QtWidgets>)
+if(TESSALY_TESTS)
+  # Qt defines this differently in each folder, for a lookup of test data that is not used here.
+  get_target_property(test_definitions Qt6::Test INTERFACE_COMPILE_DEFINITIONS)
+  list(FILTER test_definitions EXCLUDE REGEX "QT_TESTCASE_(BUILD|SOURCE)DIR")
+  set_target_properties(Qt6::Test PROPERTIES INTERFACE_COMPILE_DEFINITIONS "${test_definitions}")
+  tessaly_precompiled(test Qt6::Test)
+  target_precompile_headers(tessaly_precompiled_test PRIVATE <optional> <string> <vector> <QProcess> <QTest>
+                            <QSignalSpy> <QTemporaryDir>)
+  tessaly_precompiled(gui_test Qt6::Widgets Qt6::Test)
+  target_precompile_headers(tessaly_precompiled_gui_test PRIVATE <optional> <string> <vector> <QtWidgets> <QTest>
+                            <QSignalSpy>)
+endif()
+
+# Lets a target use one of them.
+function(tessaly_use_precompiled target name)
+  set_target_properties(${target} PROPERTIES POSITION_INDEPENDENT_CODE ON)
+  target_precompile_headers(${target} REUSE_FROM tessaly_precompiled_${name})
+endfunction()
+
 # tessaly_library(<room> SOURCES … LINKS …): the static library of one folder under src/.
 function(tessaly_library room)
   cmake_parse_arguments(ARG "" "" "SOURCES;LINKS" ${ARGN})
   add_library(tessaly_${room} STATIC ${ARG_SOURCES})
   target_link_libraries(tessaly_${room} PUBLIC tessaly_rules ${ARG_LINKS})
+  if(room MATCHES "^(ui|app)$")
+    tessaly_use_precompiled(tessaly_${room} widgets)
+  elseif(NOT room STREQUAL "json")
+    tessaly_use_precompiled(tessaly_${room} core)
+  endif()
 endfunction()
 
 # tessaly_test(<name> [GUI] SOURCES … LINKS … [LABELS …] [FIXTURES …] [TIMEOUT seconds]): one Qt Test program under
@@ -56,6 +92,9 @@ function(tessaly_test name)
   target_link_libraries(test_${name} PRIVATE tessaly_rules tessaly_test_support ${ARG_LINKS} Qt6::Test)
   if(ARG_GUI)
     target_link_libraries(test_${name} PRIVATE Qt6::Widgets)
+    tessaly_use_precompiled(test_${name} gui_test)
+  else()
+    tessaly_use_precompiled(test_${name} test)
   endif()
   set_target_properties(test_${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/tests/bin")
   add_test(NAME ${name} COMMAND test_${name})

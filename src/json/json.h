@@ -172,6 +172,7 @@ private:
     JSON element(std::int64_t index) const;
     bool setElement(std::int64_t index, const JSON &value);
     bool canSet(Path path) const;
+    const Object &codedObject() const;
 
     Object m_object;
     std::optional<JSONError> m_error;

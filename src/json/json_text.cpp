@@ -17,6 +17,13 @@ std::string written(const Object &object, TextStyle style, EventOptions options)
 
 } // namespace
 
+// A null value may hold no object at all; one of an unknown type stays what cannot be coded.
+const Object &JSON::codedObject() const
+{
+    static const Object nullMarker(nullptr);
+    return type() == Type::null ? nullMarker : m_object;
+}
+
 std::string JSON::rawString(const writingOptionsKeys &options) const
 {
     const SerializerOptions &serializer = options.jsonSerialization;
@@ -24,7 +31,7 @@ std::string JSON::rawString(const writingOptionsKeys &options) const
     if (isFragment && !serializer.fragmentsAllowed) throw JSONException(JSONError::invalidJSON);
     const TextStyle style{serializer.prettyPrinted, serializer.escapesSlashes,
                           options.encoding == TextEncoding::ascii};
-    return written(m_object, style, {options.castNilToNSNull, options.maxObjextDepth});
+    return written(codedObject(), style, {options.castNilToNSNull, options.maxObjextDepth});
 }
 
 std::string JSON::rawData(const writingOptionsKeys &options) const
@@ -45,7 +52,7 @@ std::string JSON::rawData(const writingOptionsKeys &options) const
 std::string JSON::description() const
 {
     try {
-        return written(m_object, {}, {true});
+        return written(codedObject(), {}, {true});
     } catch (const JSONException &exception) {
         return errorMessage(m_error.value_or(exception.error()));
     }
@@ -53,7 +60,7 @@ std::string JSON::description() const
 
 void JSON::encode(EventSink &sink) const
 {
-    sendEvents(m_object, sink);
+    sendEvents(codedObject(), sink);
 }
 
 JSON JSON::decode(const std::function<void(EventSink &)> &source)

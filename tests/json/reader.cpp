@@ -31,11 +31,6 @@ private Q_SLOTS:
     void reads512Levels();
     void refuses513Levels_data();
     void refuses513Levels();
-    void survives100000Brackets_data();
-    void survives100000Brackets();
-    void reads50Megabytes();
-    void refuses50MegabytesOfRubbish_data();
-    void refuses50MegabytesOfRubbish();
 };
 
 void ReaderTest::readsNumbersByTheirLiteral_data()
@@ -290,48 +285,6 @@ void ReaderTest::refuses513Levels()
     } catch (const ParseError &error) {
         QVERIFY(shown(error.text()).startsWith(u"Too many nested arrays or dictionaries"_s));
     }
-}
-
-void ReaderTest::survives100000Brackets_data()
-{
-    QTest::addColumn<QByteArray>("text");
-    QTest::newRow("open") << QByteArray(100'000, '[');
-    QTest::newRow("open and closed") << QByteArray(100'000, '[') + QByteArray(100'000, ']');
-    QTest::newRow("objects") << QByteArray("{\"a\":").repeated(100'000);
-    QTest::newRow("mixed") << QByteArray("[{\"a\":").repeated(50'000);
-    QTest::newRow("closed only") << QByteArray(100'000, ']');
-}
-
-void ReaderTest::survives100000Brackets()
-{
-    QFETCH(QByteArray, text);
-    QVERIFY_THROWS_EXCEPTION(ParseError, JSON::fromBytes(view(text)));
-    QCOMPARE(JSON(Object::bytes(text.toStdString())).type(), Type::null);
-}
-
-void ReaderTest::reads50Megabytes()
-{
-    constexpr std::size_t size = 50'000'000;
-    const std::string text = "{\"text\":\"" + std::string(size, 'x') + "\"}";
-    QCOMPARE(JSON::fromBytes(text)["text"].stringValue().size(), size);
-}
-
-void ReaderTest::refuses50MegabytesOfRubbish_data()
-{
-    QTest::addColumn<QByteArray>("text");
-    constexpr qsizetype size = 50'000'000;
-    QTest::newRow("brackets") << QByteArray(size, '[');
-    QTest::newRow("string without end") << "[\"" + QByteArray(size, 'x');
-    QTest::newRow("NUL bytes") << "[" + QByteArray(size, '\0');
-    QTest::newRow("digits") << "[" + QByteArray(size, '7') + "]";
-    QTest::newRow("blanks") << QByteArray(size, ' ');
-    QTest::newRow("letters") << QByteArray(size, 'a');
-}
-
-void ReaderTest::refuses50MegabytesOfRubbish()
-{
-    QFETCH(QByteArray, text);
-    QVERIFY_THROWS_EXCEPTION(ParseError, JSON::fromBytes(view(text)));
 }
 
 TESSALY_TEST_MAIN(ReaderTest)

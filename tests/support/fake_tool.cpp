@@ -119,8 +119,8 @@ void flood(int channel, long long bytes)
 
 void pauseFor(const std::string &milliseconds)
 {
-    const std::chrono::milliseconds time(std::stol(milliseconds));
-    std::this_thread::sleep_for(time); // waits on purpose: a slow tool
+    const std::chrono::milliseconds pause(std::stol(milliseconds));
+    std::this_thread::sleep_for(pause); // waits on purpose: a slow tool
 }
 
 [[noreturn]] void hang()

@@ -45,39 +45,41 @@ bool eventLoopIsRunning()
 class Run
 {
 public:
-    Run(const QString &programPath, const QStringList &arguments, ProcessLimits processLimits,
+    Run(const QString &program, const QStringList &arguments, ProcessLimits limits,
         QProcess::ProcessChannelMode channels)
-        : program(programPath), limits(processLimits)
+        : m_program(program), m_limits(limits)
     {
-        process.setProgram(program.isEmpty() ? program : QFileInfo(program).absoluteFilePath());
-        process.setArguments(arguments);
-        process.setStandardInputFile(QProcess::nullDevice());
-        process.setProcessChannelMode(channels);
-        QObject::connect(&process, &QProcess::readyReadStandardOutput, &process, [this] { readOutput(); });
-        QObject::connect(&process, &QProcess::errorOccurred, &process, [this](QProcess::ProcessError error) {
-            if (error == QProcess::FailedToStart) startFailed = true;
-        });
+        m_process.setProgram(m_program.isEmpty() ? m_program : QFileInfo(m_program).absoluteFilePath());
+        m_process.setArguments(arguments);
+        m_process.setStandardInputFile(QProcess::nullDevice());
+        m_process.setProcessChannelMode(channels);
+        QObject::connect(&m_process, &QProcess::readyReadStandardOutput, &m_process,
+                         [this] { readOutput(); });
+        QObject::connect(&m_process, &QProcess::errorOccurred, &m_process,
+                         [this](QProcess::ProcessError error) {
+                             if (error == QProcess::FailedToStart) m_startFailed = true;
+                         });
     }
 
     CapturedRun toTheEnd()
     {
         if (runsAreEnding()) return {{End::stopped, 0, {}}, {}};
         endWithTheApplication();
-        if (limits.time > 0ms) deadline.setRemainingTime(limits.time);
-        process.start();
+        if (m_limits.time > 0ms) m_deadline.setRemainingTime(m_limits.time);
+        m_process.start();
         if (eventLoopIsRunning()) waitInEventLoop();
         waitPlainly();
-        return {outcome(), output};
+        return {outcome(), m_output};
     }
 
 private:
-    bool isOver() const { return process.state() == QProcess::NotRunning; }
+    bool isOver() const { return m_process.state() == QProcess::NotRunning; }
 
     void waitInEventLoop()
     {
         const BusyInput busy;
         QEventLoop loop;
-        QObject::connect(&process, &QProcess::stateChanged, &loop, [this, &loop] {
+        QObject::connect(&m_process, &QProcess::stateChanged, &loop, [this, &loop] {
             if (isOver()) loop.quit();
         });
         QTimer check;
@@ -95,52 +97,53 @@ private:
 
     void waitPlainly()
     {
-        while (!isOver() && !process.waitForFinished(static_cast<int>(untilNextCheck().count())))
+        while (!isOver() && !m_process.waitForFinished(static_cast<int>(untilNextCheck().count())))
             stopWhenDue();
     }
 
     std::chrono::milliseconds untilNextCheck() const
     {
-        if (stopReason || deadline.isForever()) return noticing;
-        return std::min(noticing, std::chrono::milliseconds(deadline.remainingTime()));
+        if (m_stopReason || m_deadline.isForever()) return noticing;
+        return std::min(noticing, std::chrono::milliseconds(m_deadline.remainingTime()));
     }
 
     void stopWhenDue()
     {
         if (runsAreEnding()) stop(End::stopped);
-        if (deadline.hasExpired()) stop(End::timedOut);
+        if (m_deadline.hasExpired()) stop(End::timedOut);
     }
 
     void stop(End reason)
     {
-        if (stopReason || isOver()) return;
-        stopReason = reason;
-        process.kill();
+        if (m_stopReason || isOver()) return;
+        m_stopReason = reason;
+        m_process.kill();
     }
 
     void readOutput()
     {
-        output += process.readAllStandardOutput();
-        if (limits.outputBytes <= 0 || output.size() <= limits.outputBytes) return;
-        output.truncate(limits.outputBytes);
+        m_output += m_process.readAllStandardOutput();
+        if (m_limits.outputBytes <= 0 || m_output.size() <= m_limits.outputBytes) return;
+        m_output.truncate(m_limits.outputBytes);
         stop(End::tooMuchOutput);
     }
 
     ProcessOutcome outcome() const
     {
-        if (startFailed) return {End::failedToStart, 0, startFailureReason(program, process.errorString())};
-        if (stopReason) return {*stopReason, 0, {}};
-        const bool exited = process.exitStatus() == QProcess::NormalExit;
-        return {exited ? End::exited : End::signalled, process.exitCode(), {}};
+        if (m_startFailed)
+            return {End::failedToStart, 0, startFailureReason(m_program, m_process.errorString())};
+        if (m_stopReason) return {*m_stopReason, 0, {}};
+        const bool exited = m_process.exitStatus() == QProcess::NormalExit;
+        return {exited ? End::exited : End::signalled, m_process.exitCode(), {}};
     }
 
-    QString program;
-    ProcessLimits limits;
-    QDeadlineTimer deadline{QDeadlineTimer::Forever};
-    QByteArray output;
-    std::optional<End> stopReason;
-    bool startFailed = false;
-    QProcess process; // last: its end may still report to the members above
+    QString m_program;
+    ProcessLimits m_limits;
+    QDeadlineTimer m_deadline{QDeadlineTimer::Forever};
+    QByteArray m_output;
+    std::optional<End> m_stopReason;
+    bool m_startFailed = false;
+    QProcess m_process; // last: its end may still report to the members above
 };
 
 } // namespace

@@ -13,7 +13,7 @@ NotificationCenter &NotificationCenter::defaultCenter()
 void NotificationCenter::addObserver(QObject *context, const QString &name, Observer observer)
 {
     forgetTheDead();
-    registrations.push_back(
+    m_registrations.push_back(
         std::make_shared<const Registration>(Registration{context, name, std::move(observer)}));
 }
 
@@ -21,14 +21,14 @@ void NotificationCenter::postNotification(const QString &name, QObject *object, 
 {
     forgetTheDead();
     const Notification notification{name, object, userInfo};
-    const auto present = registrations;
+    const auto present = m_registrations;
     for (const auto &registration : present)
         if (registration->name == name && registration->context) registration->observer(notification);
 }
 
 void NotificationCenter::forgetTheDead()
 {
-    std::erase_if(registrations, [](const auto &registration) { return !registration->context; });
+    std::erase_if(m_registrations, [](const auto &registration) { return !registration->context; });
 }
 
 } // namespace tessaly

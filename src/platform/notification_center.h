@@ -47,7 +47,7 @@ private:
     void forgetTheDead();
 
     // Shared, so that an observer outlives its own removal while it runs.
-    std::vector<std::shared_ptr<const Registration>> registrations;
+    std::vector<std::shared_ptr<const Registration>> m_registrations;
 };
 
 } // namespace tessaly

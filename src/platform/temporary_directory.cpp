@@ -25,41 +25,43 @@ class Workspace
 {
 public:
     explicit Workspace(const QString &userFolder)
-        : root(userFolder), folder(makeFreshFolder(root + u'/' + copyPrefix)), lock(folder + lockSuffix)
+        : m_root(userFolder),
+          m_folder(makeFreshFolder(m_root + u'/' + copyPrefix)),
+          m_lock(m_folder + lockSuffix)
     {
-        lock.setStaleLockTime(0);
-        if (!folder.isEmpty()) lock.tryLock(0);
+        m_lock.setStaleLockTime(0);
+        if (!m_folder.isEmpty()) m_lock.tryLock(0);
     }
 
     ~Workspace()
     {
         removeFolder();
-        lock.unlock();
-        QDir().rmdir(root); // stays while other copies use it
+        m_lock.unlock();
+        QDir().rmdir(m_root); // stays while other copies use it
     }
 
     Workspace(const Workspace &) = delete;
     Workspace &operator=(const Workspace &) = delete;
 
-    QString path() const { return folder + u'/'; }
+    QString path() const { return m_folder + u'/'; }
 
     // True when the folder is there, made again if need be.
     bool isUsable()
     {
-        if (!lock.isLocked() || !isOwnFolder(root)) return false;
-        if (!isOwnFolder(folder)) removeWhole(folder);
-        return makeOwnFolder(folder);
+        if (!m_lock.isLocked() || !isOwnFolder(m_root)) return false;
+        if (!isOwnFolder(m_folder)) removeWhole(m_folder);
+        return makeOwnFolder(m_folder);
     }
 
     void removeFolder()
     {
-        if (!folder.isEmpty() && isOwnFolder(root)) removeWhole(folder);
+        if (!m_folder.isEmpty() && isOwnFolder(m_root)) removeWhole(m_folder);
     }
 
 private:
-    QString root;
-    QString folder;
-    QLockFile lock;
+    QString m_root;
+    QString m_folder;
+    QLockFile m_lock;
 };
 
 std::mutex access;

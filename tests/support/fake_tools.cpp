@@ -45,7 +45,7 @@ QByteArray escaped(QString text)
 
 FakeTools::FakeTools()
 {
-    require(resources.isValid(), resources.path());
+    require(m_resources.isValid(), m_resources.path());
     for (const QString &tool : {u"sniffer"_s, u"creator"_s}) {
         useFake(tool);
         setSteps(tool, {});
@@ -60,12 +60,12 @@ FakeTools::~FakeTools()
 
 QString FakeTools::folder() const
 {
-    return resources.path();
+    return m_resources.path();
 }
 
 QString FakeTools::path(const QString &tool) const
 {
-    return resources.filePath(tool);
+    return m_resources.filePath(tool);
 }
 
 void FakeTools::setBehaviour(const QString &tool, const QString &name, const QStringList &parameters)
@@ -126,7 +126,7 @@ void FakeTools::replaceByPlainFile(const QString &tool, const QByteArray &conten
 void FakeTools::replaceByBrokenLink(const QString &tool)
 {
     remove(tool);
-    require(QFile::link(resources.filePath(u"nothing"_s), path(tool)), path(tool));
+    require(QFile::link(m_resources.filePath(u"nothing"_s), path(tool)), path(tool));
 }
 
 QList<QStringList> FakeTools::calls(const QString &tool) const

@@ -61,7 +61,7 @@ public:
 private:
     void useFake(const QString &tool);
 
-    QTemporaryDir resources;
+    QTemporaryDir m_resources;
 };
 
 } // namespace tessaly::test

@@ -199,4 +199,4 @@ private:
 } // namespace tessaly::test
 
 TESSALY_TEST_MAIN(tessaly::test::OwnFolderTest)
-#include "test_own_folder.moc"
+#include "own_folder_test.moc"

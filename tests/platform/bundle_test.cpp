@@ -114,4 +114,4 @@ private Q_SLOTS:
 } // namespace tessaly::test
 
 TESSALY_TEST_MAIN(tessaly::test::BundleTest)
-#include "test_bundle.moc"
+#include "bundle_test.moc"

@@ -122,4 +122,4 @@ private Q_SLOTS:
 } // namespace tessaly::test
 
 TESSALY_TEST_MAIN(tessaly::test::NotificationCenterTest)
-#include "test_notification_center.moc"
+#include "notification_center_test.moc"

@@ -242,4 +242,4 @@ private:
 } // namespace tessaly::test
 
 TESSALY_TEST_MAIN(tessaly::test::FakeToolsTest)
-#include "test_fake_tools.moc"
+#include "fake_tools_test.moc"

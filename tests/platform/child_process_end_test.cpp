@@ -95,4 +95,4 @@ private Q_SLOTS:
 } // namespace tessaly::test
 
 TESSALY_TEST_MAIN(tessaly::test::ChildProcessEndTest)
-#include "test_child_process_end.moc"
+#include "child_process_end_test.moc"

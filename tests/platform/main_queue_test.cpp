@@ -70,4 +70,4 @@ private Q_SLOTS:
 } // namespace tessaly::test
 
 TESSALY_TEST_MAIN(tessaly::test::MainQueueTest)
-#include "test_main_queue.moc"
+#include "main_queue_test.moc"

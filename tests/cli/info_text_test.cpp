@@ -107,6 +107,12 @@ void InfoTextTest::oneLine_data()
         [](FileProbe &facts) { facts.hasVideoTrack = false, facts.hasAudioTrack = true; });
     row("neither", u"Kind          neither video nor sound"_s,
         [](FileProbe &facts) { facts.hasVideoTrack = false; });
+    row("a video track that passes for a still", u"Kind          a still, or video without a frame rate"_s,
+        [](FileProbe &facts) {
+            facts.hasVideoTrack = false, facts.hasAudioTrack = true;
+            facts.tracksInfo = {track("0", "Audio", "vorbis", "mono", ""),
+                                track("1", "Video", "theora", "320x240", "")};
+        });
     row("invalid", u"Kind          not a media file"_s,
         [](FileProbe &facts) { facts.isValidMediaFile = false; });
     row("valid, with an error", u"Kind          video (Torn)"_s,

@@ -1,16 +1,18 @@
 #!/usr/bin/env bash
 # Makes the clips that tests use, from the converter's own generators, once: make_media.sh FOLDER FFMPEG
 set -euo pipefail
+script=$(realpath "$0")
 folder=$1
 ffmpeg=$2
 mkdir -p "$folder"
 cd "$folder"
 
-# make NAME ARGUMENTS…: written under another name first, so that an interrupted run leaves no half clip behind.
+# make NAME ARGUMENTS…: written under another name first, so that an interrupted run leaves no half clip behind. Clips
+# that are older than this script are made again.
 make() {
     local name=$1
     shift
-    [ -e "$name" ] && return 0
+    [ "$name" -nt "$script" ] && return 0
     echo "making $name"
     rm -f "part.$name"
     "$ffmpeg" -nostdin -hide_banner -loglevel error -y "$@" "part.$name"
@@ -24,8 +26,8 @@ tone() { echo "sine=frequency=440:sample_rate=44100:duration=$1"; }
 make plain.mp4 -f lavfi -i "$(video 640x360 2)" -f lavfi -i "$(tone 2)" -pix_fmt yuv420p -shortest
 # A full-size clip without sound.
 make hd.mp4 -f lavfi -i "$(video 1920x1080 1)" -pix_fmt yuv420p -preset ultrafast
-# A size with an odd side.
-make odd.mkv -f lavfi -i "$(video 853x480 1)" -c:v ffv1
+# A size with an odd side, which needs a source of full colour resolution.
+make odd.mkv -f lavfi -i "testsrc=size=853x480:rate=25:duration=1" -c:v ffv1
 # Long enough for a cancel in the middle.
 make long.mp4 -f lavfi -i "$(video 1280x720 30)" -pix_fmt yuv420p -preset ultrafast
 # What a phone held upright writes: coded 640 x 360, shown 360 x 640 (display matrix, -90).
@@ -44,3 +46,7 @@ make cover_film.mp4 -i plain.mp4 -i cover.png -map 0 -map 1 -c copy -disposition
 # One frame; no duration in the container.
 make one_frame.mp4 -f lavfi -i "$(video 320x180 1)" -pix_fmt yuv420p -frames:v 1
 make no_duration.webm -f lavfi -i "$(video 320x180 1)" -c:v libvpx -live 1 -f webm
+# Film, sound and subtitles, with tags that people see.
+[ -e subtitles.srt ] || printf '1\n00:00:00,000 --> 00:00:01,000\nHello\n' >subtitles.srt
+make subtitled.mp4 -i plain.mp4 -i subtitles.srt -map 0 -map 1 -c copy -c:s mov_text -metadata:s:s language=eng \
+    -metadata title="A Film" -metadata date=2008

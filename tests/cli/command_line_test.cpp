@@ -1,0 +1,158 @@
+#include "cli/command_line.h"
+#include "support/test_case.h"
+
+#include <QDir>
+
+using namespace Qt::StringLiterals;
+using namespace tessaly;
+
+class CommandLineTest : public tessaly::test::TestCase
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void info_data();
+    void info();
+    void files_data();
+    void files();
+    void text_data();
+    void text();
+    void wrongUsage_data();
+    void wrongUsage();
+};
+
+void CommandLineTest::info_data()
+{
+    QTest::addColumn<QByteArrayList>("words");
+    QTest::addColumn<QString>("files");
+    QTest::addColumn<bool>("json");
+    QTest::addColumn<bool>("verbose");
+    const auto row = [](const char *name, const QByteArrayList &words, const QString &files, bool json,
+                        bool verbose) { QTest::newRow(name) << words << files << json << verbose; };
+    row("one file", {"info", "/a"}, u"/a"_s, false, false);
+    row("several, in their order", {"info", "/b", "/a", "/b"}, u"/b /a /b"_s, false, false);
+    row("json", {"info", "--json", "/a"}, u"/a"_s, true, false);
+    row("verbose", {"info", "--verbose", "/a"}, u"/a"_s, false, true);
+    row("both", {"info", "--json", "--verbose", "/a"}, u"/a"_s, true, true);
+    row("both, the other way round", {"info", "--verbose", "--json", "/a"}, u"/a"_s, true, true);
+    row("behind the files", {"info", "/a", "/b", "--json"}, u"/a /b"_s, true, false);
+    row("between the files", {"info", "/a", "--json", "/b", "--verbose"}, u"/a /b"_s, true, true);
+    row("twice", {"info", "--json", "--json", "/a"}, u"/a"_s, true, false);
+    row("files behind --", {"info", "--json", "--", "/a", "/-b"}, u"/a /-b"_s, true, false);
+}
+
+void CommandLineTest::info()
+{
+    QFETCH(QByteArrayList, words);
+    const Command command = readCommandLine(words);
+    const auto *info = std::get_if<InfoCommand>(&command);
+    QVERIFY(info);
+    QTEST(info->json, "json");
+    QTEST(info->verbose, "verbose");
+    QStringList paths;
+    for (const NamedFile &file : info->files)
+        paths += file.path.value_or(u"none"_s);
+    QTEST(paths.join(u' '), "files");
+}
+
+void CommandLineTest::files_data()
+{
+    QTest::addColumn<QByteArray>("word");
+    QTest::addColumn<QString>("shown");
+    QTest::addColumn<QString>("path"); // null when the file cannot be opened
+    const auto row = [](const char *name, const char *word, const QString &shown, const QString &path) {
+        QTest::newRow(name) << QByteArray(word) << shown << path;
+    };
+    const QString here = QDir::currentPath() + u'/';
+    row("absolute", "/v/a.mp4", u"/v/a.mp4"_s, u"/v/a.mp4"_s);
+    row("relative", "a.mp4", u"a.mp4"_s, here + u"a.mp4"_s);
+    row("in a folder above", "../a.mp4", u"../a.mp4"_s, here + u"../a.mp4"_s);
+    row("leading dash", "-video-.mp4", u"-video-.mp4"_s, here + u"-video-.mp4"_s);
+    row("like an option", "--json", u"--json"_s, here + u"--json"_s);
+    row("one dash", "-", u"-"_s, here + u'-');
+    row("line break", "/v/a\nb", u"/v/a\nb"_s, u"/v/a\nb"_s);
+    row("quotes and markup", "/v/'a' \"b\" <b>", u"/v/'a' \"b\" <b>"_s, u"/v/'a' \"b\" <b>"_s);
+    row("emoji", "/v/🎬é", u"/v/🎬é"_s, u"/v/🎬é"_s);
+    row("pattern", "/v/%1 %d", u"/v/%1 %d"_s, u"/v/%1 %d"_s);
+    row("home sign", "~/a", u"~/a"_s, here + u"~/a"_s);
+    row("not UTF-8", "/v/b\xFF.mp4", u"/v/b\uFFFD.mp4"_s, QString());
+    row("not UTF-8, leading dash", "-\xFF", u"-\uFFFD"_s, QString());
+    row("an encoded surrogate", "/v/\xED\xA0\x80", u"/v/\uFFFD\uFFFD\uFFFD"_s, QString());
+}
+
+void CommandLineTest::files()
+{
+    QFETCH(QByteArray, word);
+    QFETCH(QString, path);
+    const Command command = readCommandLine({"info", "--", word});
+    const auto *info = std::get_if<InfoCommand>(&command);
+    QVERIFY(info);
+    QCOMPARE(info->files.size(), std::size_t{1});
+    QTEST(info->files[0].shown, "shown");
+    QCOMPARE(info->files[0].path.has_value(), !path.isNull());
+    QCOMPARE(info->files[0].path.value_or(QString()), path);
+}
+
+void CommandLineTest::text_data()
+{
+    QTest::addColumn<QByteArrayList>("words");
+    QTest::addColumn<QString>("beginning");
+    const QString usage = u"Usage: tessaly-cli info [--json] [--verbose] FILE...\n"_s;
+    const QString version = u"tessaly-cli " TESSALY_VERSION "\n"_s;
+    const auto row = [](const char *name, const QByteArrayList &words, const QString &beginning) {
+        QTest::newRow(name) << words << beginning;
+    };
+    row("help", {"--help"}, usage);
+    row("help, short", {"-h"}, usage);
+    row("help of the command", {"info", "--help"}, usage);
+    row("help of the command, short", {"info", "/a", "-h"}, usage);
+    row("help before the version", {"info", "--version", "--help"}, usage);
+    row("version", {"--version"}, version);
+    row("version of the command", {"info", "--version"}, version);
+}
+
+void CommandLineTest::text()
+{
+    QFETCH(QByteArrayList, words);
+    QFETCH(QString, beginning);
+    const Command command = readCommandLine(words);
+    const auto *show = std::get_if<ShowText>(&command);
+    QVERIFY(show);
+    QVERIFY2(show->text.startsWith(beginning), qPrintable(show->text));
+    QVERIFY(show->text.endsWith(u'\n'));
+}
+
+void CommandLineTest::wrongUsage_data()
+{
+    QTest::addColumn<QByteArrayList>("words");
+    QTest::addColumn<QString>("reason");
+    const auto row = [](const char *name, const QByteArrayList &words, const char *reason) {
+        QTest::newRow(name) << words << QString::fromLatin1(reason);
+    };
+    row("nothing", {}, "A command is missing.");
+    row("another command", {"play", "/a"}, "There is no command \"play\".");
+    row("command in capitals", {"INFO", "/a"}, "There is no command \"INFO\".");
+    row("a file only", {"/a"}, "There is no command \"/a\".");
+    row("empty command", {""}, "There is no command \"\".");
+    row("option before the command", {"--json", "info", "/a"}, "There is no command \"--json\".");
+    row("no file", {"info"}, "info needs at least one file.");
+    row("options only", {"info", "--json", "--verbose"}, "info needs at least one file.");
+    row("no file behind --", {"info", "--"}, "info needs at least one file.");
+    row("empty file name", {"info", "/a", ""}, "A file name is empty.");
+    row("unknown option", {"info", "--xml", "/a"}, "Unknown option 'xml'.");
+    row("unknown short option", {"info", "-x", "/a"}, "Unknown option 'x'.");
+    row("option with a value", {"info", "--json=1", "/a"}, "Unexpected value after '--json'.");
+    row("option cut short", {"info", "--js", "/a"}, "Unknown option 'js'.");
+}
+
+void CommandLineTest::wrongUsage()
+{
+    QFETCH(QByteArrayList, words);
+    const Command command = readCommandLine(words);
+    const auto *wrong = std::get_if<WrongUsage>(&command);
+    QVERIFY(wrong);
+    QTEST(wrong->reason, "reason");
+}
+
+TESSALY_TEST_MAIN(CommandLineTest)
+#include "command_line_test.moc"

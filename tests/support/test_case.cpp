@@ -8,7 +8,9 @@ namespace tessaly::test {
 
 void TestCase::init()
 {
-    QTest::failOnWarning(QRegularExpression(QStringLiteral(".*")));
+    // The platform without a display says of some window calls that it does not support them: true, and no
+    // fault.
+    QTest::failOnWarning(QRegularExpression(QStringLiteral("^(?!This plugin does not support )")));
 }
 
 void prepareProcess()

@@ -3,7 +3,7 @@
 //
 // The state: no display (offscreen platform), a fixed hash seed, settings and caches in test folders of their
 // own, and every warning that Qt prints without being announced by QTest::ignoreMessage fails the test
-// function.
+// function (but for those about what the platform without a display cannot do).
 #pragma once
 
 #include <QObject>

@@ -1,0 +1,92 @@
+#include "ui/progress_sheet.h"
+
+#include "ui/progress_bar.h"
+
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+namespace tessaly {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr int leastWidth = 400;   // pixels at 100 % screen scale
+constexpr int widthInDigits = 40; // more in large type
+constexpr int margin = 18;        // pixels
+constexpr qreal smallType = 0.85; // of the normal size
+
+QLabel *makeLabel(const QString &objectName, const QFont &font, QWidget *parent)
+{
+    auto *label = new QLabel(parent);
+    label->setObjectName(objectName);
+    label->setTextFormat(Qt::PlainText);
+    label->setFont(font);
+    // A long text is cut off instead of widening the sheet.
+    label->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
+    return label;
+}
+
+QFont titleFont(QFont font)
+{
+    font.setBold(true);
+    return font;
+}
+
+QFont detailFont(QFont font)
+{
+    font.setPointSizeF(font.pointSizeF() * smallType);
+    return font;
+}
+
+} // namespace
+
+ProgressSheet::ProgressSheet(QWidget *parent)
+    : QDialog(parent, Qt::Sheet | Qt::CustomizeWindowHint | Qt::WindowTitleHint),
+      m_title(makeLabel(u"progressTitle"_s, titleFont(font()), this)),
+      m_bar(new ProgressBar(this)),
+      m_detail(makeLabel(u"progressDetail"_s, detailFont(font()), this)),
+      m_cancel(new QPushButton(this))
+{
+    setObjectName("progressWindow"_L1);
+    m_bar->setObjectName("progressBar"_L1);
+    m_bar->setMinimumWidth(qMax(leastWidth, widthInDigits * fontMetrics().horizontalAdvance(u'0')));
+    m_cancel->setObjectName("progressCancel"_L1);
+    m_cancel->setText(u"Cancel"_s);
+    m_cancel->setAutoDefault(false); // Return must not throw the work away
+
+    auto *lastLine = new QHBoxLayout;
+    lastLine->addWidget(m_detail, 1);
+    lastLine->addWidget(m_cancel);
+    auto *lines = new QVBoxLayout(this);
+    lines->setSizeConstraint(QLayout::SetFixedSize);
+    lines->setContentsMargins(margin, margin, margin, margin);
+    lines->setSpacing(margin / 2);
+    lines->addWidget(m_title);
+    lines->addWidget(m_bar);
+    lines->addLayout(lastLine);
+}
+
+void ProgressSheet::beginSheet(QWidget *window)
+{
+    setParent(window, windowFlags());
+    m_detail->setVisible(!m_cancel->isHidden());
+    setWindowTitle(m_title->text());
+    m_bar->setAccessibleName(m_title->text());
+    open(); // modal to its parent
+}
+
+void ProgressSheet::endSheet()
+{
+    hide();
+}
+
+// QDialog sends Escape and the close command here.
+void ProgressSheet::reject()
+{
+    if (m_cancel->isVisible()) m_cancel->click(); // a disabled button ignores it
+}
+
+} // namespace tessaly

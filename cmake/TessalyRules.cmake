@@ -13,6 +13,7 @@ target_compile_options(
             -Woverloaded-virtual
             -Wcast-align
             -Wformat=2
+            -Wno-missing-field-initializers # a designated initializer leaves the rest at its default on purpose
             -fstack-protector-strong)
 target_compile_definitions(
   tessaly_rules
@@ -42,7 +43,7 @@ endif()
 function(tessaly_precompiled name)
   file(CONFIGURE OUTPUT "${CMAKE_BINARY_DIR}/precompiled/${name}.cpp" CONTENT "")
   add_library(tessaly_precompiled_${name} STATIC "${CMAKE_BINARY_DIR}/precompiled/${name}.cpp")
-  set_target_properties(tessaly_precompiled_${name} PROPERTIES AUTOMOC OFF POSITION_INDEPENDENT_CODE ON)
+  set_target_properties(tessaly_precompiled_${name} PROPERTIES AUTOMOC OFF AUTOUIC OFF AUTORCC OFF POSITION_INDEPENDENT_CODE ON)
   target_link_libraries(tessaly_precompiled_${name} PRIVATE tessaly_rules ${ARGN})
 endfunction()
 

@@ -45,8 +45,11 @@ public:
         // Qt knows only the files that it lists; a name is judged when it is accepted.
         connect(nameField(), &QLineEdit::textChanged, this,
                 [this](const QString &name) { acceptButton()->setEnabled(!name.isEmpty()); });
+        // Not from within the dialog's own functions: what follows may take long, and the dialog dies meanwhile.
         connect(this, &QDialog::finished, this, [this, completion = std::move(completion)](int result) {
-            completion(result == QDialog::Accepted ? panelResponseOK : panelResponseCancel, m_path);
+            const int response = result == QDialog::Accepted ? panelResponseOK : panelResponseCancel;
+            const auto complete = [completion, response, path = m_path] { completion(response, path); };
+            QMetaObject::invokeMethod(parentWidget(), complete, Qt::QueuedConnection);
         });
         open();
     }

@@ -2,6 +2,7 @@
 
 #include "ui/progress_bar.h"
 
+#include <QGuiApplication>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPushButton>
@@ -52,6 +53,7 @@ ProgressSheet::ProgressSheet(QWidget *parent)
 {
     setObjectName("progressWindow"_L1);
     m_bar->setObjectName("progressBar"_L1);
+    m_bar->setAccessibleName(u"Progress"_s);
     m_bar->setMinimumWidth(qMax(leastWidth, widthInDigits * fontMetrics().horizontalAdvance(u'0')));
     m_cancel->setObjectName("progressCancel"_L1);
     m_cancel->setText(u"Cancel"_s);
@@ -80,7 +82,10 @@ void ProgressSheet::beginSheet(QWidget *window)
 
 void ProgressSheet::endSheet()
 {
+    const bool personIsHere = QGuiApplication::applicationState() == Qt::ApplicationActive;
     hide();
+    // Not every desktop gives the focus back by itself; from another program it must not be taken.
+    if (personIsHere && parentWidget()) parentWidget()->window()->activateWindow();
 }
 
 // QDialog sends Escape and the close command here.

@@ -86,7 +86,7 @@ void OpenPanelTest::takesATypedName()
     driver.type(name);
     QTRY_VERIFY(driver.acceptButton()->isEnabled());
     driver.accept();
-    QCOMPARE(driver.answers.size(), 1);
+    QTRY_COMPARE(driver.answers.size(), 1);
     QCOMPARE(driver.answers.first().first, 1);
     QVERIFY2(isSameFile(driver.answers.first().second, path(name)),
              qPrintable(driver.answers.first().second));
@@ -112,7 +112,7 @@ void OpenPanelTest::takesAFileOfTheList()
     driver.clickInList(name);
     QTRY_VERIFY(driver.acceptButton()->isEnabled());
     driver.accept();
-    QCOMPARE(driver.answers, (PanelDriver::Answers{{1, path(name)}}));
+    QTRY_COMPARE(driver.answers, (PanelDriver::Answers{{1, path(name)}}));
 }
 
 void OpenPanelTest::takesATypedPath()
@@ -122,7 +122,7 @@ void OpenPanelTest::takesATypedPath()
     driver.type(path(u"clip.mp4"_s));
     QTRY_VERIFY(driver.acceptButton()->isEnabled());
     driver.accept();
-    QCOMPARE(driver.answers, (PanelDriver::Answers{{1, path(u"clip.mp4"_s)}}));
+    QTRY_COMPARE(driver.answers, (PanelDriver::Answers{{1, path(u"clip.mp4"_s)}}));
 }
 
 void OpenPanelTest::takesReturn()
@@ -154,9 +154,9 @@ void OpenPanelTest::isCancelled()
     begin(driver);
     driver.type(u"clip.mp4"_s);
     way(driver);
-    QCOMPARE(driver.answers, (PanelDriver::Answers{{0, QString()}}));
+    QTRY_COMPARE(driver.answers, (PanelDriver::Answers{{0, QString()}}));
     QTRY_VERIFY(!driver.panel());
-    QCOMPARE(driver.answers.size(), 1);
+    QTRY_COMPARE(driver.answers.size(), 1);
 }
 
 void OpenPanelTest::isASheet()

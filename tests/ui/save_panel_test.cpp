@@ -85,7 +85,7 @@ void SavePanelTest::offersAName()
     QCOMPARE(driver.panel()->directory().path(), m_folder->path());
     QCOMPARE(driver.nameField()->text(), u"Resized"_s);
     driver.accept();
-    QCOMPARE(driver.answers, (PanelDriver::Answers{{1, path(u"Resized.mp4"_s)}}));
+    QTRY_COMPARE(driver.answers, (PanelDriver::Answers{{1, path(u"Resized.mp4"_s)}}));
     QVERIFY(!driver.wasVisibleAtAnswer);
     QTRY_VERIFY(!driver.panel());
     QVERIFY(!QFile::exists(path(u"Resized.mp4"_s))); // choosing writes nothing
@@ -116,7 +116,7 @@ void SavePanelTest::givesTheMeantPath()
     begin(driver);
     driver.type(typed);
     driver.accept();
-    QCOMPARE(driver.answers, (PanelDriver::Answers{{1, path(meant)}}));
+    QTRY_COMPARE(driver.answers, (PanelDriver::Answers{{1, path(meant)}}));
 }
 
 void SavePanelTest::takesThePathAsTypedWithoutARule()
@@ -125,7 +125,7 @@ void SavePanelTest::takesThePathAsTypedWithoutARule()
     begin(driver, {});
     driver.type(path(u"folder/a.mov"_s));
     driver.accept();
-    QCOMPARE(driver.answers, (PanelDriver::Answers{{1, path(u"folder/a.mov"_s)}}));
+    QTRY_COMPARE(driver.answers, (PanelDriver::Answers{{1, path(u"folder/a.mov"_s)}}));
 }
 
 void SavePanelTest::savesNothingWithoutAName()
@@ -161,7 +161,7 @@ void SavePanelTest::asksAboutTheMeantFile()
     begin(driver);
     driver.type(typed);
     driver.accept();
-    QCOMPARE(driver.answers.size(), asked ? 0 : 1);
+    QTRY_COMPARE(driver.answers.size(), asked ? 0 : 1);
     if (!asked) return;
     QVERIFY(driver.panel()->isVisible());
     QVERIFY(driver.question());
@@ -184,7 +184,7 @@ void SavePanelTest::replaces()
     QTRY_COMPARE(driver.answers, (PanelDriver::Answers{{1, path(u"out.mp4"_s)}}));
     QVERIFY(!driver.wasVisibleAtAnswer);
     QTRY_VERIFY(!driver.panel());
-    QCOMPARE(driver.answers.size(), 1);
+    QTRY_COMPARE(driver.answers.size(), 1);
     QFile file(path(u"out.mp4"_s));
     QVERIFY(file.open(QIODevice::ReadOnly));
     QCOMPARE(file.readAll(), QByteArray("old")); // replacing is the writer's matter
@@ -220,7 +220,7 @@ void SavePanelTest::goesBackToThePanel()
 
     driver.type(u"out 2"_s);
     driver.accept();
-    QCOMPARE(driver.answers, (PanelDriver::Answers{{1, path(u"out 2.mp4"_s)}}));
+    QTRY_COMPARE(driver.answers, (PanelDriver::Answers{{1, path(u"out 2.mp4"_s)}}));
 }
 
 void SavePanelTest::listsTheRequiredKindOnly()
@@ -261,9 +261,9 @@ void SavePanelTest::isCancelled()
     PanelDriver driver;
     begin(driver);
     driver.click(driver.button(QDialogButtonBox::Cancel));
-    QCOMPARE(driver.answers, (PanelDriver::Answers{{0, QString()}}));
+    QTRY_COMPARE(driver.answers, (PanelDriver::Answers{{0, QString()}}));
     QTRY_VERIFY(!driver.panel());
-    QCOMPARE(driver.answers.size(), 1);
+    QTRY_COMPARE(driver.answers.size(), 1);
 }
 
 TESSALY_GUI_TEST_MAIN(SavePanelTest)

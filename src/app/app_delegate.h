@@ -1,0 +1,160 @@
+// The one controller: it owns no control, but every command and every control of the window lands here.
+#pragma once
+
+#include "jobs/converter_run.h"
+#include "jobs/failure_report.h"
+#include "jobs/output_guard.h"
+#include "jobs/progress.h"
+#include "platform/notification_center.h"
+#include "probe/file_probe.h"
+#include "ui/image_drop_view.h"
+#include "ui/main_window.h"
+#include "ui/number_field.h"
+#include "ui/outlet.h"
+#include "ui/progress_bar.h"
+#include "ui/progress_sheet.h"
+#include "ui/slider.h"
+
+#include <QAction>
+#include <QCheckBox>
+#include <QElapsedTimer>
+#include <QLabel>
+#include <QPushButton>
+
+#include <memory>
+#include <optional>
+
+namespace tessaly {
+
+// Shown by the help alert and by refusals.
+inline constexpr QLatin1StringView supportAddress("support@tessaly.example");
+
+// At any time at most one video is open, described by globalFP; opening another one replaces it. Everything
+// runs on the main thread, but for the converter's run and what is said so here. Setting a control from here
+// never fires its action.
+class AppDelegate : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit AppDelegate(QObject *parent = nullptr);
+    ~AppDelegate() override;
+
+    // Connects the outlets and the actions to the form's controls. An outlet whose control the form lacks
+    // stays unconnected; using it is a fatal error that names it.
+    void connectTo(MainWindow *form);
+
+    Outlet<MainWindow> window{"window"};
+    Outlet<QAction> saveBTN{"saveBTN"};
+    Outlet<QLabel> inputLBL{"inputLBL"};
+    Outlet<QCheckBox> proportionalCBX{"proportionalCBX"};
+    Outlet<QLabel> sliderTitleLBL{
+        "sliderTitleLBL"};                    // its text is the size mode: "Scale:", "Width:" or "Height:"
+    Outlet<Slider> sizeSLDR{"sizeSLDR"};      // percent of the input
+    Outlet<NumberField> widthTF{"widthTF"};   // pixels
+    Outlet<NumberField> heightTF{"heightTF"}; // pixels
+    // Placeholders until the first file is accepted; not 0, so that percentages stay finite.
+    qint64 originalWidth = 854;  // pixels
+    qint64 originalHeight = 480; // pixels
+    double originalRatio = 1.0;  // width over height
+    QString currentFocussedTF;   // the field that the slider drives: "None", "WidthTF", "HeightTF"
+    std::shared_ptr<const FileProbe> globalFP;    // the file that was opened last, also a refused one
+    std::shared_ptr<ConverterRun> globalProcess;  // the current or the last converter
+    std::optional<bool> isProcessCancelledByUser; // absent before the first job
+    Outlet<ImageDropView> posterView{"posterView"};
+    Outlet<Slider> posterPositionSlider{"posterPositionSlider"};
+    Outlet<QAction> posterPositionSliderTBI{"posterPositionSliderTBI"};
+    Outlet<ProgressSheet> progressWindow{"progressWindow"};
+    Outlet<QLabel> progressTitle{"progressTitle"};
+    Outlet<ProgressBar> progressBar{"progressBar"};
+    Outlet<QPushButton> progressCancel{"progressCancel"};
+    Outlet<QLabel> progressDetail{"progressDetail"}; // percent and remaining time in small type
+
+public Q_SLOTS:
+    void applicationDidFinishLaunching(QObject *sender);
+    void applicationWillTerminate(QObject *sender);
+    void widthTFClickedWithSender(QObject *sender);
+    void heightTFClickedWithSender(QObject *sender);
+    void proportionalCBXClicked(QObject *sender);
+    void sizeSLDRChanged(QObject *sender);
+    void widthTFChanged(QObject *sender);
+    void heightTFChanged(QObject *sender);
+    void openMenuBTNClicked(QObject *sender);
+    void openToolBarBTNClicked(QObject *sender);
+    void posterPositionSliderChanged(QObject *sender);
+    void saveMenuBTNClicked(QObject *sender);
+    void saveBTNClicked(QObject *sender);
+    void closeBTNInsideProgressWindowClicked(QObject *sender);
+    void helpBTNClickedWithSender(QObject *sender);
+
+public:
+    void fileAddedByDragAndDropWithNotification(const NotificationCenter::Notification &notification);
+
+    // Launch and reset (app_delegate.cpp).
+    void setUpInterface();
+    void resetInterface();
+    void removeTemporaryWorkspace();
+    void showHelp();
+    void showAlert(const QString &message, const QString &information);
+    // Whether a sheet that follows work, a panel or a probe is up, so that nothing may be opened or saved.
+    bool isBusy() const;
+
+    // Opening (open_video.cpp).
+    void showOpenPanel();
+    void openVideo(const QUrl &url);
+    void enableInterface();
+    void showInputResolution();
+
+    // Output size (output_size.cpp).
+    void applyProportionalState();
+    void applySliderValue();
+    void updateFromWidth();
+    void updateFromHeight();
+    void selectWidthField();
+    void selectHeightField();
+
+    // Poster frames (poster_frames.cpp).
+    void extractPosterFrames(double duration, const QString &inputPath);
+    void showAnalyzingSheet();
+    void endAnalyzingSheet();
+    void showPosterFrame(int number);
+
+    // Saving (save.cpp).
+    void showSavePanel();
+    void saveResponse(int response, const QString &outputPath);
+    void startResize(const QString &outputPath, const QStringList &arguments);
+
+    // The converter's run (conversion.cpp).
+    void showResizingSheet();
+    void endResizingSheet();
+
+    // Its end (completion.cpp).
+    void finishResize(const QString &outputPath, const RunOutcome &outcome);
+    void showCompletionReport(const FileProbe &outputProbe, const RunOutcome &outcome);
+    void handleCompletionButton(int response, const FileProbe &outputProbe);
+
+    // Ends the program as soon as what runs has been stopped and cleaned up. Any thread.
+    void endSoon();
+
+private:
+    void connectOutlets(MainWindow *form);
+    void connectActions(MainWindow *form);
+    bool isAccepted() const;
+    bool isTheInput(const QString &outputPath) const;
+    void runConverter(ConverterRun &converter, const QStringList &arguments, const QString &outputPath,
+                      double duration);
+    void showProgress(double percent);
+    void stopJobForGood();
+    void showFailure(const Failure &failure);
+
+    bool m_panelIsUp = false;
+    bool m_isOpening = false;
+    QString m_lastVideoFolder; // where the open panel starts
+    // Of the running job.
+    ResizeTarget m_target;
+    std::optional<OutputGuard> m_outputGuard;
+    RemainingTime m_remainingTime;
+    QElapsedTimer m_jobTime;
+};
+
+} // namespace tessaly

@@ -1,0 +1,62 @@
+// The end of a job: the report, or the reason why there is none.
+#include "app/app_delegate.h"
+#include "jobs/completion_text.h"
+#include "jobs/failure_report.h"
+#include "ui/alert.h"
+#include "ui/desktop_services.h"
+
+namespace tessaly {
+
+using namespace Qt::StringLiterals;
+
+void AppDelegate::finishResize(const QString &outputPath, const RunOutcome &outcome)
+{
+    endResizingSheet();
+    const FileProbe outputProbe(outputPath);
+    showCompletionReport(outputProbe, outcome);
+}
+
+void AppDelegate::showCompletionReport(const FileProbe &outputProbe, const RunOutcome &outcome)
+{
+    if (!isProcessCancelledByUser) qFatal("A job has ended that was never started");
+    const OutputGuard guard = *m_outputGuard;
+    m_outputGuard.reset();
+    if (*isProcessCancelledByUser) {
+        guard.removeIfTouched();
+        return;
+    }
+    const JobEnd end{.outcome = outcome, .targetTouched = guard.wasTouched(), .target = m_target};
+    if (const std::optional<Failure> failure = failureOfJob(end, outputProbe)) {
+        guard.removeIfTouched();
+        showFailure(*failure);
+        return;
+    }
+    const FileProbe finalProbe(*outputProbe.fileFullPath);
+    window->showStatus(shorterThanInput(globalFP->duration, finalProbe.duration).value_or(QString()));
+    Alert alert{.messageText = u"Video Resized Successfully!"_s,
+                .informativeText = completionText(*globalFP, outputProbe, finalProbe),
+                .style = Alert::Style::informational};
+    alert.addButtonWithTitle(u"OK"_s);
+    alert.addButtonWithTitle(u"Show in Finder"_s);
+    alert.addButtonWithTitle(u"Launch Video in QuickTime"_s);
+    alert.beginSheet(window.get(),
+                     [this, outputProbe](int response) { handleCompletionButton(response, outputProbe); });
+}
+
+void AppDelegate::handleCompletionButton(int response, const FileProbe &outputProbe)
+{
+    const auto onFailure = [this](const QString &sentence) { showAlert(sentence, {}); };
+    if (response == firstAlertResponse + 1) revealInFileManager(*outputProbe.fileFullPath, onFailure);
+    if (response == firstAlertResponse + 2) playInVideoPlayer(*outputProbe.fileFullPath, onFailure);
+}
+
+void AppDelegate::showFailure(const Failure &failure)
+{
+    Alert alert{.messageText = resizeFailedMessage(),
+                .informativeText = failure.sentence,
+                .detailsText = failure.details};
+    alert.addButtonWithTitle(u"OK"_s);
+    alert.beginSheet(window.get());
+}
+
+} // namespace tessaly

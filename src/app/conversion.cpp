@@ -1,0 +1,72 @@
+// The converter's run: the sheet that follows it, and how it is stopped.
+#include "app/app_delegate.h"
+#include "platform/child_process.h"
+#include "platform/main_queue.h"
+
+#include <QCoreApplication>
+#include <QThreadPool>
+
+namespace tessaly {
+
+using namespace Qt::StringLiterals;
+
+// On a pool thread, which it blocks until the child has exited.
+void AppDelegate::runConverter(ConverterRun &converter, const QStringList &arguments,
+                               const QString &outputPath, double duration)
+{
+    asyncOnMainQueue(this, [this] { showResizingSheet(); });
+    const RunOutcome outcome = converter.run(arguments, [this, duration](const QByteArray &chunk) {
+        const std::optional<double> percent = percentOfChunk(chunk, duration);
+        if (percent) asyncOnMainQueue(this, [this, percent] { showProgress(*percent); });
+    });
+    asyncOnMainQueue(this, [this, outputPath, outcome] { finishResize(outputPath, outcome); });
+}
+
+void AppDelegate::showResizingSheet()
+{
+    progressBar->setDoubleValue(0);
+    progressDetail->clear();
+    progressTitle->setText(u"Resizing Video..."_s);
+    progressCancel->setEnabled(true);
+    progressCancel->show();
+    progressWindow->beginSheet(window.get());
+}
+
+void AppDelegate::showProgress(double percent)
+{
+    progressBar->setDoubleValue(percent);
+    m_remainingTime.addReading(percent, std::chrono::milliseconds(m_jobTime.elapsed()));
+    progressDetail->setText(m_remainingTime.text());
+}
+
+void AppDelegate::closeBTNInsideProgressWindowClicked(QObject *)
+{
+    globalProcess->requestStop();
+    isProcessCancelledByUser = true;
+}
+
+void AppDelegate::endResizingSheet()
+{
+    progressBar->setDoubleValue(0);
+    progressDetail->clear();
+    progressCancel->hide();
+    progressWindow->endSheet();
+}
+
+void AppDelegate::endSoon()
+{
+    endAllRuns();
+    // Not quit(), which asks the windows: a sheet that follows work refuses to be closed.
+    asyncOnMainQueue(this, [] { QCoreApplication::exit(); });
+}
+
+// Blocks for as long as the converter takes to end, at most three seconds and a little.
+void AppDelegate::stopJobForGood()
+{
+    if (!globalProcess) return;
+    globalProcess->requestStop(ConverterRun::endPatience);
+    QThreadPool::globalInstance()->waitForDone();
+    if (m_outputGuard) m_outputGuard->removeIfTouched();
+}
+
+} // namespace tessaly

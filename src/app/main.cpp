@@ -1,0 +1,27 @@
+#include "app/app_delegate.h"
+#include "app/start_up.h"
+#include "platform/temporary_directory.h"
+#include "platform/termination_watch.h"
+#include "platform/utf8_locale.h"
+
+#include <QApplication>
+
+using namespace tessaly;
+
+int main(int argc, char *argv[])
+{
+    useUtf8Locale();
+    if (const std::optional<int> answered = answerCommandLine(argc, argv)) return *answered;
+
+    const std::unique_ptr<QApplication> application = startApplication(argc, argv);
+    MainWindow window;
+    AppDelegate delegate;
+    delegate.connectTo(&window);
+    const TerminationWatch termination([&delegate] { delegate.endSoon(); });
+    QObject::connect(application.get(), &QApplication::aboutToQuit, &delegate,
+                     [&delegate] { delegate.applicationWillTerminate(&delegate); });
+    removeDeadSiblings();
+    delegate.applicationDidFinishLaunching(application.get());
+    window.show();
+    return QApplication::exec();
+}

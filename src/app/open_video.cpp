@@ -1,0 +1,113 @@
+// How a video comes in, by the open panel or by a drop, and how the window shows it.
+#include "app/app_delegate.h"
+#include "platform/busy_input.h"
+#include "platform/child_process.h"
+#include "platform/paths.h"
+#include "probe/file_facts.h"
+#include "ui/file_panels.h"
+
+#include <QFileInfo>
+#include <QScopeGuard>
+#include <QStandardPaths>
+
+namespace tessaly {
+
+using namespace Qt::StringLiterals;
+
+void AppDelegate::openMenuBTNClicked(QObject *)
+{
+    showOpenPanel();
+}
+void AppDelegate::openToolBarBTNClicked(QObject *)
+{
+    showOpenPanel();
+}
+
+void AppDelegate::showOpenPanel()
+{
+    if (isBusy()) return;
+    m_panelIsUp = true;
+    const QString videos = QStandardPaths::writableLocation(QStandardPaths::MoviesLocation);
+    const OpenPanel panel{.title = tr("Open Video"),
+                          .directory = m_lastVideoFolder.isEmpty() ? videos : m_lastVideoFolder};
+    panel.beginSheet(window.get(), [this](int response, const QString &path) {
+        m_panelIsUp = false;
+        if (response == panelResponseOK && !path.isEmpty()) openVideo(fileURL(path));
+    });
+}
+
+void AppDelegate::fileAddedByDragAndDropWithNotification(const NotificationCenter::Notification &notification)
+{
+    const QUrl url = notification.userInfo.value(u"key"_s).toUrl();
+    if (!url.isLocalFile()) qFatal("FileAddedByDragAnadDrop came without the URL of a file");
+    openVideo(url);
+}
+
+void AppDelegate::openVideo(const QUrl &url)
+{
+    m_isOpening = true;
+    const BusyInput busy;
+    const auto done = qScopeGuard([this] { m_isOpening = false; });
+
+    resetInterface();
+    const QString path = filePath(url);
+    m_lastVideoFolder = QFileInfo(path).path();
+    globalFP = std::make_shared<const FileProbe>(path);
+    if (runsAreEnding()) return;
+    if (pathExtension(path).toLower() == "vob"_L1) {
+        showAlert(u"Tessaly cannot open .VOB files."_s, u"Questions? : "_s + supportAddress);
+        return;
+    }
+    if (!isAccepted()) {
+        showAlert(u"Seems to be an unsupported file.\nDoes the video play in a video player?"_s,
+                  u"Please try opening some other file or contact : "_s + supportAddress);
+        return;
+    }
+    extractPosterFrames(globalFP->duration, path);
+    if (runsAreEnding()) return;
+    enableInterface();
+    showInputResolution();
+}
+
+// A video of which the prober knows no size cannot be resized.
+bool AppDelegate::isAccepted() const
+{
+    const FileProbe &probe = *globalFP;
+    return probe.isValidMediaFile && !probe.hasErrors && !probe.isEncrypted && probe.hasVideoTrack &&
+           probe.videoWidth && probe.videoHeight && *probe.videoWidth != 0;
+}
+
+void AppDelegate::enableInterface()
+{
+    inputLBL->setText(u"Input: 0 x 0"_s);
+    proportionalCBX->setEnabled(true);
+    proportionalCBX->setChecked(true);
+    sizeSLDR->setEnabled(true);
+    widthTF->setEnabled(true);
+    heightTF->setEnabled(true);
+    sliderTitleLBL->setText(u"Scale:"_s);
+    currentFocussedTF = u"None"_s;
+    posterPositionSliderTBI->setEnabled(true);
+    posterPositionSlider->setEnabled(true);
+    posterPositionSlider->setIntegerValue(6);
+    posterPositionSliderChanged(posterPositionSlider.get());
+    saveBTN->setEnabled(false);
+}
+
+void AppDelegate::showInputResolution()
+{
+    originalWidth = *globalFP->videoWidth;
+    originalHeight = *globalFP->videoHeight;
+    originalRatio = static_cast<double>(originalWidth) / static_cast<double>(originalHeight);
+    inputLBL->setText(u"Input: %1 x %2"_s.arg(originalWidth).arg(originalHeight));
+    sizeSLDR->setIntegerValue(100);
+    widthTF->setIntegerValue(originalWidth);
+    heightTF->setIntegerValue(originalHeight);
+    saveBTN->setEnabled(true);
+
+    const QString path = *globalFP->fileFullPath;
+    window->showFileName(path);
+    window->showStatus(u"%1, %2"_s.arg(durationHuman(globalFP->duration), *globalFP->fileSizeHuman));
+}
+
+} // namespace tessaly

@@ -1,0 +1,57 @@
+#include "app/app_delegate.h"
+
+namespace tessaly {
+
+using namespace Qt::StringLiterals;
+
+void AppDelegate::connectTo(MainWindow *form)
+{
+    connectOutlets(form);
+    connectActions(form);
+    posterView->setDropGuard([this] { return !isBusy(); });
+}
+
+void AppDelegate::connectOutlets(MainWindow *form)
+{
+    window.connectTo(form);
+    saveBTN.connectFrom(form);
+    inputLBL.connectFrom(form);
+    proportionalCBX.connectFrom(form);
+    sliderTitleLBL.connectFrom(form);
+    sizeSLDR.connectFrom(form);
+    widthTF.connectFrom(form);
+    heightTF.connectFrom(form);
+    posterView.connectFrom(form);
+    posterPositionSlider.connectFrom(form);
+    posterPositionSliderTBI.connectFrom(form);
+    progressWindow.connectFrom(form);
+    progressTitle.connectFrom(form);
+    progressBar.connectFrom(form);
+    progressCancel.connectFrom(form);
+    progressDetail.connectFrom(form);
+}
+
+// The menu items and tool bar items of one command are one action, so they are enabled together.
+void AppDelegate::connectActions(MainWindow *form)
+{
+    const auto action = [form](const char *name) {
+        return form->findChild<QAction *>(QLatin1StringView(name));
+    };
+    QAction *open = action("openBTN");
+    QAction *help = action("helpBTN");
+    connect(open, &QAction::triggered, this, [this, open] { openToolBarBTNClicked(open); });
+    connect(help, &QAction::triggered, this, [this, help] { helpBTNClickedWithSender(help); });
+    connect(saveBTN.get(), &QAction::triggered, this, [this] { saveBTNClicked(saveBTN.get()); });
+
+    connect(proportionalCBX.get(), &QCheckBox::clicked, this,
+            [this] { proportionalCBXClicked(proportionalCBX.get()); });
+    connect(sizeSLDR.get(), &Slider::changedByUser, this, [this] { sizeSLDRChanged(sizeSLDR.get()); });
+    connect(widthTF.get(), &NumberField::committed, this, [this] { widthTFChanged(widthTF.get()); });
+    connect(heightTF.get(), &NumberField::committed, this, [this] { heightTFChanged(heightTF.get()); });
+    connect(posterPositionSlider.get(), &Slider::changedByUser, this,
+            [this] { posterPositionSliderChanged(posterPositionSlider.get()); });
+    connect(progressCancel.get(), &QPushButton::clicked, this,
+            [this] { closeBTNInsideProgressWindowClicked(progressCancel.get()); });
+}
+
+} // namespace tessaly

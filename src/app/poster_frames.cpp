@@ -1,0 +1,81 @@
+// Eleven stills spread over the video, made when it is opened; afterwards the poster slider flips between
+// them.
+#include "jobs/poster_frames.h"
+#include "app/app_delegate.h"
+#include "platform/bundle.h"
+#include "platform/child_process.h"
+
+#include <QDir>
+#include <QImageReader>
+
+namespace tessaly {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+// A converter that hangs on one frame must not hold up the window for ever.
+constexpr ProcessLimits frameLimits{.time = std::chrono::seconds(30)};
+
+// A picture that cannot be read is no picture. One of more pixels than a screen shows is read smaller, which
+// also spares the memory.
+QImage stillFromFile(const QString &path)
+{
+    constexpr QSize largest(3840, 3840);
+    QImageReader reader(path);
+    const QSize size = reader.size();
+    if (size.width() > largest.width() || size.height() > largest.height()) {
+        reader.setScaledSize(size.scaled(largest, Qt::KeepAspectRatio));
+    }
+    return reader.read();
+}
+
+void remakeFolder(const QString &path)
+{
+    QDir(path).removeRecursively();
+    QDir().mkdir(path);
+}
+
+} // namespace
+
+void AppDelegate::extractPosterFrames(double duration, const QString &inputPath)
+{
+    showAnalyzingSheet();
+    remakeFolder(posterFrameFolder());
+    if (const std::optional<QString> creator = pathForResource(u"creator"_s)) {
+        for (int number = 1; number <= posterFrameCount && !runsAreEnding(); ++number) {
+            runToEnd(*creator, posterFrameArguments(number, duration, inputPath), frameLimits);
+            showPosterFrame(number);
+            progressBar->setDoubleValue(10.0 * (number - 1));
+        }
+    }
+    endAnalyzingSheet();
+}
+
+void AppDelegate::showAnalyzingSheet()
+{
+    progressCancel->hide();
+    progressBar->setDoubleValue(0);
+    progressTitle->setText(u"Analyzing Video..."_s);
+    progressWindow->beginSheet(window.get());
+}
+
+void AppDelegate::endAnalyzingSheet()
+{
+    progressBar->setDoubleValue(0);
+    progressWindow->endSheet();
+    progressCancel->show();
+}
+
+void AppDelegate::posterPositionSliderChanged(QObject *)
+{
+    showPosterFrame(posterPositionSlider->intValue());
+}
+
+void AppDelegate::showPosterFrame(int number)
+{
+    posterView->setImage(stillFromFile(posterFramePath(number)));
+    window->showDropHint(posterView->image().isNull());
+}
+
+} // namespace tessaly

@@ -1,0 +1,16 @@
+// The pictures that are built into the program.
+#pragma once
+
+#include <QIcon>
+#include <QString>
+
+namespace tessaly {
+
+// The symbol ":/icons/NAME.svg", drawn in the palette's text colour at the moment of painting, so that it
+// follows a change between light and dark; greyed when disabled.
+QIcon symbolIcon(const QString &name);
+
+// What the desktop shows for the program.
+QIcon applicationIcon();
+
+} // namespace tessaly

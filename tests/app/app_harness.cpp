@@ -1,0 +1,126 @@
+#include "app/app_harness.h"
+
+#include "platform/temporary_directory.h"
+
+#include <QAbstractButton>
+#include <QDropEvent>
+#include <QMessageBox>
+#include <QMimeData>
+#include <QTest>
+
+namespace tessaly::test {
+
+using namespace Qt::StringLiterals;
+
+AppHarness::AppHarness()
+{
+    QDir(folder.path()).mkdir(u"tmp"_s);
+    setTemporaryRoot(folder.filePath(u"tmp"_s));
+    delegate.connectTo(&window);
+    delegate.applicationDidFinishLaunching(&window);
+    window.show();
+    window.activateWindow();
+    if (!QTest::qWaitForWindowActive(&window)) qFatal("The window did not come up");
+}
+
+AppHarness::~AppHarness()
+{
+    delegate.applicationWillTerminate(&window);
+    setTemporaryRoot({});
+}
+
+QString AppHarness::makeFile(const QString &name)
+{
+    const QString path = folder.filePath(name);
+    QFile file(path);
+    if (!file.open(QIODevice::WriteOnly)) qFatal("A test file could not be made");
+    return path;
+}
+
+void AppHarness::letProberReport(int width, int height, const QString &duration)
+{
+    const QString report =
+        uR"({"streams": [{"codec_type": "video", "codec_name": "vp9", "avg_frame_rate": "25/1", "width": %1, "height": %2}],
+             "format": {"duration": "%3"}})"_s.arg(width)
+            .arg(height)
+            .arg(duration);
+    letProberReport(report.toUtf8());
+}
+
+void AppHarness::letProberReport(const QByteArray &report)
+{
+    tools.setBehaviour(u"sniffer"_s, u"print"_s, {QString::fromUtf8(report)});
+}
+
+void AppHarness::letConverterMakeStills()
+{
+    QImage still(64, 36, QImage::Format_RGB32);
+    still.fill(Qt::red);
+    const QString path = folder.filePath(u"still.jpg"_s);
+    if (!still.save(path)) qFatal("A still could not be made");
+    tools.setBehaviour(u"creator"_s, u"copy-to-output"_s, {path});
+}
+
+void AppHarness::drop(const QString &path)
+{
+    sendDrop(delegate.posterView.get(), {QUrl::fromLocalFile(path)});
+}
+
+void AppHarness::openSize(int width, int height)
+{
+    letProberReport(width, height);
+    drop(makeFile(u"clip.mp4"_s));
+}
+
+QWidget *AppHarness::alert() const
+{
+    for (QMessageBox *box : window.findChildren<QMessageBox *>()) {
+        if (box->isVisible()) return box;
+    }
+    return nullptr;
+}
+
+QString AppHarness::alertText() const
+{
+    const auto *box = qobject_cast<const QMessageBox *>(alert());
+    return box ? box->text() + u'\n' + box->informativeText() : QString();
+}
+
+QStringList AppHarness::alertButtons() const
+{
+    QStringList titles;
+    for (int response = 1000;; ++response) {
+        const auto *button =
+            alert() ? alert()->findChild<QAbstractButton *>(u"alertButton%1"_s.arg(response)) : nullptr;
+        if (!button) return titles;
+        titles += button->text();
+    }
+}
+
+void AppHarness::answerAlert(int response)
+{
+    auto *button = alert()->findChild<QAbstractButton *>(u"alertButton%1"_s.arg(response));
+    QTest::mouseClick(button, Qt::LeftButton);
+    QTRY_VERIFY(!alert());
+}
+
+void AppHarness::type(NumberField *field, const QString &text)
+{
+    QTest::mouseClick(field, Qt::LeftButton);
+    field->selectAll();
+    QTest::keyClick(field, Qt::Key_Delete);
+    QTest::keyClicks(field, text);
+}
+
+void AppHarness::sendDrop(QWidget *target, const QList<QUrl> &urls)
+{
+    QMimeData data;
+    data.setUrls(urls);
+    QDragEnterEvent enter(target->rect().center(), Qt::CopyAction, &data, Qt::LeftButton, {});
+    QCoreApplication::sendEvent(target, &enter);
+    if (!enter.isAccepted()) return;
+    QDropEvent drop(target->rect().center(), Qt::CopyAction, &data, Qt::LeftButton, {});
+    QCoreApplication::sendEvent(target, &drop);
+}
+
+} // namespace tessaly::test

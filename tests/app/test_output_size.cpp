@@ -164,7 +164,7 @@ private Q_SLOTS:
         app->openSize(1920, 1080);
         app->type(height(), u"541"_s);
         QTest::keyClick(&app->window, Qt::Key_K, Qt::AltModifier);
-        QCOMPARE(shown(), u"960 x 540 Height:"_s);
+        QTRY_COMPARE(shown(), u"960 x 540 Height:"_s);
     }
 
     void checkingRecomputesBothFromTheSlider()

@@ -37,6 +37,9 @@ elseif(CMAKE_BUILD_TYPE STREQUAL "Release")
   target_compile_options(tessaly_rules INTERFACE -U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2)
   target_link_options(tessaly_rules INTERFACE -Wl,-z,relro,-z,now)
 endif()
+if(TESSALY_FUZZ)
+  target_compile_options(tessaly_rules INTERFACE -fsanitize=fuzzer-no-link)
+endif()
 
 # tessaly_library(<room> SOURCES … LINKS …): the static library of one folder under src/.
 function(tessaly_library room)

@@ -1,9 +1,11 @@
 #!/usr/bin/env bash
-# Makes the clips that tests use, from the converter's own generators, once: make_media.sh FOLDER FFMPEG
+# Makes the clips that tests use, from the converter's own generators, once: make_media.sh FOLDER FFMPEG [NAME]
+# With a NAME, only that clip.
 set -euo pipefail
 script=$(realpath "$0")
 folder=$1
 ffmpeg=$2
+only=${3:-}
 mkdir -p "$folder"
 cd "$folder"
 

@@ -62,7 +62,7 @@ std::optional<QString> shorterThanInput(double inputDuration, double outputDurat
     if (!(outputDuration > 0)) return std::nullopt;
     const double missing = inputDuration - outputDuration;
     if (!(missing > 1 && missing > inputDuration * 0.02)) return std::nullopt;
-    return u"The new video is shorter than the original: "_s + durationHuman(outputDuration) +
+    return u"The new video is shorter than the original says: "_s + durationHuman(outputDuration) +
            u" instead of "_s + durationHuman(inputDuration) + u'.';
 }
 

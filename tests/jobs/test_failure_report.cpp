@@ -418,7 +418,7 @@ void TestFailureReport::tellsWhenTheVideoIsShorter_data()
     QTest::addColumn<double>("input");
     QTest::addColumn<double>("output");
     QTest::addColumn<QString>("sentence");
-    const auto said = u"The new video is shorter than the original: "_s;
+    const auto said = u"The new video is shorter than the original says: "_s;
     QTest::newRow("cut short") << 30.0 << 4.96 << said + u"00:00:04.96 instead of 00:00:30.00."_s;
     QTest::newRow("as long") << 30.0 << 30.0 << QString();
     QTest::newRow("longer") << 30.0 << 40.0 << QString();

@@ -253,7 +253,7 @@ void TestJobEnd::saysThatACutInputMadeAShorterVideo()
     });
     QVERIFY2(!job.failure, qPrintable(job.failure ? job.failure->sentence : QString()));
     const QString sentence = shorterThanInput(duration, job.output.duration).value_or(QString());
-    QVERIFY2(sentence.startsWith(u"The new video is shorter than the original: 00:00:"_s),
+    QVERIFY2(sentence.startsWith(u"The new video is shorter than the original says: 00:00:"_s),
              qPrintable(sentence));
     QVERIFY2(sentence.endsWith(u" instead of 00:00:30.00."_s), qPrintable(sentence));
 }

@@ -1,0 +1,82 @@
+// Whatever a converter says, line by line: a percentage comes only from a chunk of valid UTF-8 with its
+// trigger, and is a number; the line below the bar has its form and never loses percent; a failure has a
+// sentence, and details that can be shown.
+#include "jobs/failure_report.h"
+#include "jobs/progress.h"
+#include "jobs/utils.h"
+
+#include <QRegularExpression>
+
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+
+using namespace tessaly;
+using namespace Qt::StringLiterals;
+
+namespace {
+
+#define REQUIRE(condition)                                                                                   \
+    do {                                                                                                     \
+        if (!(condition)) fail(#condition, __LINE__);                                                        \
+    } while (false)
+
+[[noreturn]] void fail(const char *condition, int line)
+{
+    std::fprintf(stderr, "line %d: %s does not hold\n", line, condition);
+    std::abort();
+}
+
+void checkChunk(const QByteArray &chunk, const std::optional<double> &percent)
+{
+    if (!percent) return;
+    REQUIRE(std::isfinite(*percent));
+    REQUIRE(chunk.contains("time="));
+    REQUIRE(chunk.isValidUtf8());
+}
+
+void checkRemainingTime(const QByteArrayList &chunks)
+{
+    static const QRegularExpression form(
+        u"\\A(100|[1-9]?\\d) %( - about [1-9]\\d? (second|minute|hour)s? left)?\\z"_s);
+    RemainingTime line;
+    std::chrono::milliseconds elapsed(0);
+    int shown = 0;
+    for (const QByteArray &chunk : chunks) {
+        elapsed += std::chrono::milliseconds(chunk.size() * 50);
+        const std::optional<double> percent = percentOfChunk(chunk, 100);
+        checkChunk(chunk, percent);
+        if (percent) line.addReading(*percent, elapsed);
+        if (line.text().isEmpty()) continue;
+        const auto match = form.match(line.text());
+        REQUIRE(match.hasMatch());
+        REQUIRE(match.captured(1).toInt() >= shown);
+        shown = match.captured(1).toInt();
+    }
+}
+
+void checkFailure(const QByteArray &text)
+{
+    static const QRegularExpression controls(u"[\\x00-\\x08\\x0B-\\x1F\\x7F]"_s);
+    JobEnd end;
+    end.outcome = {RunOutcome::End::ended, 1, {}, text};
+    end.target = {u"/videos/out.mp4"_s, 321, 180};
+    const auto failure = failureOfJob(end, FileProbe());
+    REQUIRE(failure);
+    REQUIRE(!failure->sentence.trimmed().isEmpty());
+    REQUIRE(!failure->sentence.contains(u'\n'));
+    REQUIRE(!(failure->sentence + failure->details).contains(controls));
+    REQUIRE(failure->details.count(u'\n') < 30);
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
+{
+    const QByteArray text(reinterpret_cast<const char *>(data), static_cast<qsizetype>(size));
+    Utils::secondsFromTimestamp(QString::fromUtf8(text));
+    checkChunk(text, percentOfChunk(text, 100));
+    checkRemainingTime(text.split('\n'));
+    checkFailure(text);
+    return 0;
+}

@@ -1,10 +1,7 @@
 #include "platform/printing.h"
+#include "support/output_capture.h"
 #include "support/test_case.h"
 
-#include <QFile>
-#include <QTemporaryFile>
-
-#include <cstdio>
 #include <functional>
 #include <thread>
 #include <unistd.h>
@@ -12,25 +9,7 @@
 
 using namespace Qt::StringLiterals;
 using namespace tessaly;
-
-namespace {
-
-// What reaches a descriptor while something runs. Nothing is flushed afterwards: print() has to do that.
-QByteArray writtenTo(int descriptor, const std::function<void()> &run)
-{
-    QTemporaryFile file;
-    if (!file.open()) return "no temporary file";
-    std::fflush(nullptr); // what the test library itself had to say
-    const int saved = ::dup(descriptor);
-    ::dup2(file.handle(), descriptor);
-    run();
-    ::dup2(saved, descriptor);
-    ::close(saved);
-    QFile result(file.fileName());
-    return result.open(QIODevice::ReadOnly) ? result.readAll() : QByteArray("unreadable");
-}
-
-} // namespace
+using tessaly::test::writtenTo;
 
 class PrintingTest : public tessaly::test::TestCase
 {

@@ -37,6 +37,7 @@ void RotationTagsTest::tagOfTheFirstStream_data()
     row("a matrix of zeros", turned("-9223372036854775808"), "null");
     row("an angle between", turned("-45"), "null");
     row("nearly a quarter", turned("-89.5"), "null");
+    row("a little more than a quarter", turned("-90.5"), "null");
     row("a quarter as a real", turned("-90.0"), R"("90")");
     row("more than a half", turned("270"), "null");
     row("a text", turned(R"("-90")"), "null");

@@ -18,8 +18,8 @@ const QString usage =
     "                          --width W --height H] [--force] [--quiet] [--verbose]\n"
     "\n"
     "info shows what is known about video files: size in pixels, duration, tracks, tags.\n"
-    "resize writes a copy of a video in another frame size, as MP4. A side that is not given follows the\n"
-    "other in the proportions of the input; sides are made even.\n"
+    "resize writes a copy of a video in another frame size, as MP4. A side that is not given follows\n"
+    "the other in the proportions of the input; sides are made even.\n"
     "\n"
     "  --json           one JSON object a file, each on one line\n"
     "  -o, --output F   the new file; .mp4 is added where it is missing\n"
@@ -32,9 +32,8 @@ const QString usage =
     "  --help           this text\n"
     "  --version        the version\n"
     "\n"
-    "Ends with 0 when all is well, with 1 when a file is no valid media file, or when a resize failed or "
-    "was\n"
-    "refused, with 2 for wrong usage, and with 130 when it was cancelled.\n"_s;
+    "Ends with 0 when all is well, with 1 when a file is no valid media file, or when a resize failed\n"
+    "or was refused, with 2 for wrong usage, and with 130 when it was cancelled.\n"_s;
 
 const QString versionLine = u"tessaly-cli " TESSALY_VERSION "\n"_s;
 

@@ -7,6 +7,7 @@
 #include "jobs/progress.h"
 #include "platform/notification_center.h"
 #include "probe/file_probe.h"
+#include "probe/refusal.h"
 #include "ui/image_drop_view.h"
 #include "ui/main_window.h"
 #include "ui/number_field.h"
@@ -139,7 +140,7 @@ public:
 private:
     void connectOutlets(MainWindow *form);
     void connectActions(MainWindow *form);
-    bool isAccepted() const;
+    void refuse(Refusal refusal);
     bool isTheInput(const QString &outputPath) const;
     void runConverter(ConverterRun &converter, const QStringList &arguments, const QString &outputPath,
                       double duration);

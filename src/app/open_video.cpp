@@ -54,13 +54,8 @@ void AppDelegate::openVideo(const QUrl &url)
     m_lastVideoFolder = QFileInfo(path).path();
     globalFP = std::make_shared<const FileProbe>(path);
     if (runsAreEnding()) return;
-    if (pathExtension(path).toLower() == "vob"_L1) {
-        showAlert(u"Tessaly cannot open .VOB files."_s, u"Questions? : "_s + supportAddress);
-        return;
-    }
-    if (!isAccepted()) {
-        showAlert(u"Seems to be an unsupported file.\nDoes the video play in a video player?"_s,
-                  u"Please try opening some other file or contact : "_s + supportAddress);
+    if (const std::optional<Refusal> refusal = refusalOf(*globalFP, path)) {
+        refuse(*refusal);
         return;
     }
     extractPosterFrames(globalFP->duration, path);
@@ -69,12 +64,14 @@ void AppDelegate::openVideo(const QUrl &url)
     showInputResolution();
 }
 
-// A video of which the prober knows no size cannot be resized.
-bool AppDelegate::isAccepted() const
+void AppDelegate::refuse(Refusal refusal)
 {
-    const FileProbe &probe = *globalFP;
-    return probe.isValidMediaFile && !probe.hasErrors && !probe.isEncrypted && probe.hasVideoTrack &&
-           probe.videoWidth && probe.videoHeight && *probe.videoWidth != 0;
+    if (refusal == Refusal::dvdFile) {
+        showAlert(u"Tessaly cannot open .VOB files."_s, u"Questions? : "_s + supportAddress);
+        return;
+    }
+    showAlert(u"Seems to be an unsupported file.\nDoes the video play in a video player?"_s,
+              u"Please try opening some other file or contact : "_s + supportAddress);
 }
 
 void AppDelegate::enableInterface()

@@ -4,6 +4,8 @@
 
 #include <QCommandLineParser>
 
+#include <cmath>
+
 namespace tessaly {
 
 using namespace Qt::StringLiterals;
@@ -12,16 +14,27 @@ namespace {
 
 const QString usage =
     u"Usage: tessaly-cli info [--json] [--verbose] FILE...\n"
+    "       tessaly-cli resize INPUT -o OUTPUT [--scale PERCENT | --width W | --height H |\n"
+    "                          --width W --height H] [--force] [--quiet] [--verbose]\n"
     "\n"
-    "Shows what is known about video files: size in pixels, duration, tracks, tags.\n"
+    "info shows what is known about video files: size in pixels, duration, tracks, tags.\n"
+    "resize writes a copy of a video in another frame size, as MP4. A side that is not given follows the\n"
+    "other in the proportions of the input; sides are made even.\n"
     "\n"
-    "  --json     one JSON object a file, each on one line\n"
-    "  --verbose  diagnostics on standard error\n"
-    "  --help     this text\n"
-    "  --version  the version\n"
+    "  --json           one JSON object a file, each on one line\n"
+    "  -o, --output F   the new file; .mp4 is added where it is missing\n"
+    "  --scale PERCENT  of the input's size; 100 when nothing else is said\n"
+    "  --width W        in pixels\n"
+    "  --height H       in pixels\n"
+    "  --force          replace a file that exists (never the input)\n"
+    "  --quiet          no progress and no report\n"
+    "  --verbose        diagnostics on standard error\n"
+    "  --help           this text\n"
+    "  --version        the version\n"
     "\n"
-    "Ends with 0 when every file is a valid media file, with 1 when some file is not, and with\n"
-    "2 for wrong usage.\n"_s;
+    "Ends with 0 when all is well, with 1 when a file is no valid media file, or when a resize failed or "
+    "was\n"
+    "refused, with 2 for wrong usage, and with 130 when it was cancelled.\n"_s;
 
 const QString versionLine = u"tessaly-cli " TESSALY_VERSION "\n"_s;
 
@@ -62,6 +75,63 @@ Command readInfo(const QStringList &words)
     return command;
 }
 
+// A side of a frame, from what was typed; nothing when that is no side.
+std::optional<qint64> sideFrom(const QString &text)
+{
+    bool isNumber = false;
+    const qint64 side = text.toLongLong(&isNumber);
+    return isNumber && side >= 2 ? std::optional(side) : std::nullopt;
+}
+
+// Fills the wish; the answer is what is wrong with it, if anything.
+std::optional<QString> readSize(const QCommandLineParser &parser, SizeWish &size)
+{
+    const bool hasSide = parser.isSet(u"width"_s) || parser.isSet(u"height"_s);
+    if (parser.isSet(u"scale"_s)) {
+        if (hasSide) return u"--scale does not go with --width or --height."_s;
+        bool isNumber = false;
+        size.percent = parser.value(u"scale"_s).toDouble(&isNumber);
+        if (!isNumber || !std::isfinite(size.percent) || size.percent <= 0)
+            return u"--scale takes a number above 0."_s;
+    }
+    for (const auto &[name, side] :
+         {std::pair(u"width"_s, &size.width), std::pair(u"height"_s, &size.height)}) {
+        if (!parser.isSet(name)) continue;
+        *side = sideFrom(parser.value(name));
+        if (!*side) return u"--%1 takes a whole number of at least 2."_s.arg(name);
+    }
+    return std::nullopt;
+}
+
+Command readResize(const QStringList &words)
+{
+    QCommandLineParser parser;
+    const QCommandLineOption output(QStringList{u"o"_s, u"output"_s}, {}, u"F"_s);
+    const QCommandLineOption force(u"force"_s);
+    const QCommandLineOption quiet(u"quiet"_s);
+    const QCommandLineOption verbose(u"verbose"_s);
+    const QCommandLineOption help(QStringList{u"help"_s, u"h"_s});
+    const QCommandLineOption version(u"version"_s);
+    parser.addOptions({output, force, quiet, verbose, help, version});
+    for (const QString &name : {u"scale"_s, u"width"_s, u"height"_s})
+        parser.addOption(QCommandLineOption(name, {}, u"N"_s));
+    if (!parser.parse(words)) return WrongUsage{parser.errorText()};
+    if (parser.isSet(help)) return ShowText{usage};
+    if (parser.isSet(version)) return ShowText{versionLine};
+
+    const QStringList inputs = parser.positionalArguments();
+    if (inputs.size() != 1 || inputs.first().isEmpty())
+        return WrongUsage{u"resize needs exactly one input."_s};
+    if (parser.value(output).isEmpty()) return WrongUsage{u"resize needs an output: -o FILE."_s};
+    ResizeCommand command{.input = namedFile(inputs.first()),
+                          .output = namedFile(parser.value(output)),
+                          .force = parser.isSet(force),
+                          .quiet = parser.isSet(quiet),
+                          .verbose = parser.isSet(verbose)};
+    if (const std::optional<QString> fault = readSize(parser, command.size)) return WrongUsage{*fault};
+    return command;
+}
+
 } // namespace
 
 Command readCommandLine(const QByteArrayList &words)
@@ -73,6 +143,7 @@ Command readCommandLine(const QByteArrayList &words)
 
     const QString &command = decodedWords.first();
     if (command == "info"_L1) return readInfo(decodedWords);
+    if (command == "resize"_L1) return readResize(decodedWords);
     if (command == "--help"_L1 || command == "-h"_L1) return ShowText{usage};
     if (command == "--version"_L1) return ShowText{versionLine};
     return WrongUsage{u"There is no command \"%1\"."_s.arg(command)};

@@ -24,6 +24,24 @@ struct InfoCommand
     bool verbose = false; // diagnostics go to standard error instead of nowhere
 };
 
+// The size that was asked for. Neither side given: the scale counts.
+struct SizeWish
+{
+    double percent = 100;         // above 0
+    std::optional<qint64> width;  // pixels, at least 2
+    std::optional<qint64> height; // pixels, at least 2
+};
+
+struct ResizeCommand
+{
+    NamedFile input;
+    NamedFile output; // as named, perhaps without its extension
+    SizeWish size;
+    bool force = false; // an existing file may be replaced
+    bool quiet = false; // no progress, no report
+    bool verbose = false;
+};
+
 struct ShowText // --help, --version
 {
     QString text;
@@ -34,7 +52,7 @@ struct WrongUsage
     QString reason; // one line
 };
 
-using Command = std::variant<InfoCommand, ShowText, WrongUsage>;
+using Command = std::variant<InfoCommand, ResizeCommand, ShowText, WrongUsage>;
 
 // The words as the system gave them, without the program's own name.
 Command readCommandLine(const QByteArrayList &words);

@@ -2,27 +2,14 @@
 
 #include "cli/info_json.h"
 #include "cli/info_text.h"
-#include "cli/terminal_text.h"
+#include "cli/streams.h"
 #include "platform/printing.h"
-
-#include <cstdio>
 
 namespace tessaly {
 
 using namespace Qt::StringLiterals;
 
 namespace {
-
-bool write(std::FILE *stream, const QByteArray &text)
-{
-    const auto size = static_cast<std::size_t>(text.size());
-    return std::fwrite(text.constData(), 1, size, stream) == size && std::fflush(stream) == 0;
-}
-
-void complain(const QString &complaint)
-{
-    write(stderr, "tessaly-cli: " + terminalText(complaint).toUtf8() + '\n');
-}
 
 FileProbe probe(const NamedFile &file)
 {

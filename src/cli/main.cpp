@@ -1,5 +1,6 @@
 #include "cli/command_line.h"
 #include "cli/info_command.h"
+#include "cli/resize_command.h"
 #include "cli/terminal_text.h"
 #include "platform/utf8_locale.h"
 
@@ -27,6 +28,11 @@ int run(const WrongUsage &wrong)
 int run(const InfoCommand &info)
 {
     return runInfo(info);
+}
+
+int run(const ResizeCommand &resize)
+{
+    return runResize(resize);
 }
 
 } // namespace

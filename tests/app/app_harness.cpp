@@ -3,6 +3,7 @@
 #include "platform/temporary_directory.h"
 
 #include <QAbstractButton>
+#include <QDialogButtonBox>
 #include <QDropEvent>
 #include <QMessageBox>
 #include <QMimeData>
@@ -72,6 +73,30 @@ void AppHarness::openSize(int width, int height)
     drop(makeFile(u"clip.mp4"_s));
 }
 
+QFileDialog *AppHarness::panel() const
+{
+    for (QFileDialog *dialog : window.findChildren<QFileDialog *>()) {
+        if (dialog->isVisible()) return dialog;
+    }
+    return nullptr;
+}
+
+void AppHarness::choose(const QString &path)
+{
+    QTRY_VERIFY(panel());
+    panel()->findChild<QLineEdit *>(u"fileNameEdit"_s)->setText(path);
+    const auto role =
+        panel()->acceptMode() == QFileDialog::AcceptOpen ? QDialogButtonBox::Open : QDialogButtonBox::Save;
+    QTest::mouseClick(panel()->findChild<QDialogButtonBox *>()->button(role), Qt::LeftButton);
+    QTRY_VERIFY(!panel());
+}
+
+void AppHarness::saveTo(const QString &path)
+{
+    QTest::keyClick(&window, Qt::Key_S, Qt::ControlModifier);
+    choose(path);
+}
+
 QWidget *AppHarness::alert() const
 {
     for (QMessageBox *box : window.findChildren<QMessageBox *>()) {
@@ -99,9 +124,14 @@ QStringList AppHarness::alertButtons() const
 
 void AppHarness::answerAlert(int response)
 {
-    auto *button = alert()->findChild<QAbstractButton *>(u"alertButton%1"_s.arg(response));
-    QTest::mouseClick(button, Qt::LeftButton);
+    answerAlertWithoutWaiting(response);
     QTRY_VERIFY(!alert());
+}
+
+void AppHarness::answerAlertWithoutWaiting(int response)
+{
+    QTest::mouseClick(alert()->findChild<QAbstractButton *>(u"alertButton%1"_s.arg(response)),
+                      Qt::LeftButton);
 }
 
 void AppHarness::type(NumberField *field, const QString &text)

@@ -4,6 +4,7 @@
 #include "app/app_delegate.h"
 #include "support/fake_tools.h"
 
+#include <QFileDialog>
 #include <QTemporaryDir>
 
 namespace tessaly::test {
@@ -41,11 +42,19 @@ public:
         return window.findChild<T *>(QLatin1StringView(name));
     }
 
+    // The open or save panel that is up, or null.
+    QFileDialog *panel() const;
+    // Types the path into the panel and accepts it; back when the panel is gone.
+    void choose(const QString &path);
+    // Save by its shortcut, to this path.
+    void saveTo(const QString &path);
+
     // The alert that is up, or null.
     QWidget *alert() const;
     QString alertText() const;             // message text, line break, informative text
     QStringList alertButtons() const;      // titles in the order of their response codes
     void answerAlert(int response = 1000); // clicks; back when it is gone
+    void answerAlertWithoutWaiting(int response);
 
     // Replaces the field's text by typing; Return is another matter.
     void type(NumberField *field, const QString &text);

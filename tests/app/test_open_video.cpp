@@ -3,9 +3,6 @@
 #include "platform/printing.h"
 #include "support/test_case.h"
 
-#include <QDialogButtonBox>
-#include <QFileDialog>
-
 using namespace tessaly;
 using namespace tessaly::test;
 using namespace Qt::StringLiterals;
@@ -31,20 +28,7 @@ class TestOpenVideo : public TestCase
 private:
     std::unique_ptr<AppHarness> app;
 
-    QFileDialog *panel() const
-    {
-        for (QFileDialog *dialog : app->window.findChildren<QFileDialog *>()) {
-            if (dialog->isVisible()) return dialog;
-        }
-        return nullptr;
-    }
-    void choose(const QString &path)
-    {
-        auto *name = panel()->findChild<QLineEdit *>(u"fileNameEdit"_s);
-        name->setText(path);
-        QTest::mouseClick(panel()->findChild<QDialogButtonBox *>()->button(QDialogButtonBox::Open),
-                          Qt::LeftButton);
-    }
+    QFileDialog *panel() const { return app->panel(); }
 
 private Q_SLOTS:
     void init()
@@ -206,7 +190,7 @@ private Q_SLOTS:
             (app->delegate.*entry)(nullptr);
             QTRY_VERIFY(panel());
             QCOMPARE(panel()->fileMode(), QFileDialog::ExistingFile);
-            choose(path);
+            app->choose(path);
             QTRY_COMPARE(app->delegate.inputLBL->text(), u"Input: 640 x 360"_s);
             QVERIFY(!panel());
         }

@@ -1,0 +1,17 @@
+// What tessaly-cli says, and where.
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+
+#include <cstdio>
+
+namespace tessaly {
+
+// Writes and flushes; false when the stream does not take it.
+bool write(std::FILE *stream, const QByteArray &text);
+
+// One line on standard error, behind the program's name; control characters become escapes.
+void complain(const QString &complaint);
+
+} // namespace tessaly

@@ -38,6 +38,9 @@ elseif(CMAKE_BUILD_TYPE STREQUAL "Release")
   target_compile_options(tessaly_rules INTERFACE -U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2)
   target_link_options(tessaly_rules INTERFACE -Wl,-z,relro,-z,now)
 endif()
+if(TESSALY_FUZZ)
+  target_compile_options(tessaly_rules INTERFACE -fsanitize=fuzzer-no-link)
+endif()
 
 # What nearly every source includes, compiled once for each kind of target. Sources include what they use all the same.
 function(tessaly_precompiled name)

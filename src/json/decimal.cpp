@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <charconv>
 #include <limits>
+#include <optional>
 
 namespace tessaly {
 
@@ -95,14 +96,26 @@ std::string digitsOf(Mantissa mantissa)
     return digits;
 }
 
-// Compares left * 10^by with right.
-std::weak_ordering compareShifted(Mantissa left, int by, Mantissa right)
+// mantissa * 10^by; none when that does not fit.
+std::optional<Mantissa> shifted(Mantissa mantissa, int by)
 {
     for (; by > 0; --by) {
-        if (left > largestMantissa / 10) return std::weak_ordering::greater;
-        left *= 10;
+        if (mantissa > largestMantissa / 10) return std::nullopt;
+        mantissa *= 10;
     }
-    return left <=> right;
+    return mantissa;
+}
+
+// Compares left * 10^by with right.
+std::weak_ordering compareScaled(Mantissa left, int by, Mantissa right)
+{
+    if (left == 0 || right == 0) return left <=> right;
+    if (by >= 0) {
+        const auto leftShifted = shifted(left, by);
+        return leftShifted ? *leftShifted <=> right : std::weak_ordering::greater;
+    }
+    const auto rightShifted = shifted(right, -by);
+    return rightShifted ? left <=> *rightShifted : std::weak_ordering::less;
 }
 
 } // namespace
@@ -147,7 +160,7 @@ Decimal Decimal::fromString(std::string_view text)
     Decimal result;
     result.m_high = static_cast<std::uint64_t>(mantissa >> 64);
     result.m_low = static_cast<std::uint64_t>(mantissa);
-    result.m_exponent = static_cast<std::int8_t>(mantissa == 0 ? 0 : exponent);
+    result.m_exponent = static_cast<std::int16_t>(mantissa == 0 ? 0 : exponent);
     result.m_negative = negative && mantissa != 0;
     return result;
 }
@@ -198,14 +211,9 @@ std::weak_ordering operator<=>(const Decimal &left, const Decimal &right)
     if (left.m_negative != right.m_negative) return right.m_negative <=> left.m_negative;
     const Mantissa leftMantissa = join(left.m_high, left.m_low);
     const Mantissa rightMantissa = join(right.m_high, right.m_low);
-    if (leftMantissa == 0 || rightMantissa == 0) {
-        const std::weak_ordering order = leftMantissa <=> rightMantissa;
-        return left.m_negative ? 0 <=> order : order;
-    }
-    const int by = left.m_exponent - right.m_exponent;
-    std::weak_ordering magnitudes = compareShifted(leftMantissa, by, rightMantissa);
-    if (by < 0) magnitudes = 0 <=> compareShifted(rightMantissa, -by, leftMantissa);
-    return left.m_negative ? 0 <=> magnitudes : magnitudes;
+    const int by = int{left.m_exponent} - int{right.m_exponent};
+    if (left.m_negative) return compareScaled(rightMantissa, -by, leftMantissa);
+    return compareScaled(leftMantissa, by, rightMantissa);
 }
 
 } // namespace tessaly

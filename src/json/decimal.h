@@ -37,12 +37,12 @@ public:
 
     // Not-a-number equals itself and lies below every number.
     friend std::weak_ordering operator<=>(const Decimal &left, const Decimal &right);
-    friend bool operator==(const Decimal &left, const Decimal &right) { return (left <=> right) == 0; }
+    friend bool operator==(const Decimal &left, const Decimal &right) { return std::is_eq(left <=> right); }
 
 private:
     std::uint64_t m_high = 0;
     std::uint64_t m_low = 0;
-    std::int8_t m_exponent = 0;
+    std::int16_t m_exponent = 0;
     bool m_negative = false;
     bool m_notANumber = false;
 };

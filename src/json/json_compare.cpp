@@ -26,12 +26,12 @@ bool operator==(const JSON &left, const JSON &right)
 
 bool operator<(const JSON &left, const JSON &right)
 {
-    return order(left.m_object, right.m_object) < 0;
+    return std::is_lt(order(left.m_object, right.m_object));
 }
 
 bool operator>(const JSON &left, const JSON &right)
 {
-    return order(left.m_object, right.m_object) > 0;
+    return std::is_gt(order(left.m_object, right.m_object));
 }
 
 bool operator<=(const JSON &left, const JSON &right)

@@ -36,7 +36,7 @@ std::string JSON::rawString(const writingOptionsKeys &options) const
 
 std::string JSON::rawData(const writingOptionsKeys &options) const
 {
-    const std::string text = rawString(options);
+    std::string text = rawString(options);
     switch (options.encoding) {
     case TextEncoding::utf16LittleEndian:
         return utf16Bytes(text, true);

@@ -17,7 +17,7 @@ public:
 
     Kind kind() const { return m_kind; }
     // Positions of one kind compare by their place, positions of different kinds are unordered.
-    friend bool operator==(const Index &left, const Index &right) { return (left <=> right) == 0; }
+    friend bool operator==(const Index &left, const Index &right) { return std::is_eq(left <=> right); }
     friend std::partial_ordering operator<=>(const Index &left, const Index &right)
     {
         if (left.m_kind != right.m_kind) return std::partial_ordering::unordered;
@@ -62,7 +62,7 @@ public:
     }
     Iterator operator++(int)
     {
-        const Iterator before = *this;
+        Iterator before = *this;
         ++*this;
         return before;
     }

@@ -48,7 +48,13 @@ std::weak_ordering compare(const Integer &left, double right)
     const double whole = std::trunc(right);
     const Integer wholeInteger{whole < 0, static_cast<std::uint64_t>(std::fabs(whole))};
     const std::weak_ordering order = compare(left, wholeInteger);
-    return order != 0 ? order : compare(0.0, right - whole);
+    return std::is_neq(order) ? order : compare(0.0, right - whole);
+}
+
+std::weak_ordering reversed(std::weak_ordering order)
+{
+    if (std::is_eq(order)) return order;
+    return std::is_lt(order) ? std::weak_ordering::greater : std::weak_ordering::less;
 }
 
 std::int64_t heldToRange(double value)
@@ -74,6 +80,8 @@ struct Overloaded : Functions...
 {
     using Functions::operator()...;
 };
+template<class... Functions> // clang before 17 does not find it by itself
+Overloaded(Functions...)->Overloaded<Functions...>;
 
 using Value = std::variant<std::int64_t, std::uint64_t, double, bool, Decimal>;
 
@@ -151,7 +159,7 @@ std::weak_ordering operator<=>(const Number &left, const Number &right)
     const double *leftReal = std::get_if<double>(&left.m_value);
     const double *rightReal = std::get_if<double>(&right.m_value);
     if (leftInteger && rightReal) return compare(*leftInteger, *rightReal);
-    if (leftReal && rightInteger) return 0 <=> compare(*rightInteger, *leftReal);
+    if (leftReal && rightInteger) return reversed(compare(*rightInteger, *leftReal));
     if (leftReal || rightReal) return compare(left.doubleValue(), right.doubleValue());
 
     const auto asDecimal = [](const Number &number, const std::optional<Integer> &integer) {

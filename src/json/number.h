@@ -61,7 +61,7 @@ public:
     // By value, whatever the origins: exact between integers, integers and reals, integers and decimals; a
     // decimal meets a real as the nearest double. Not-a-number equals itself and lies below every number.
     friend std::weak_ordering operator<=>(const Number &left, const Number &right);
-    friend bool operator==(const Number &left, const Number &right) { return (left <=> right) == 0; }
+    friend bool operator==(const Number &left, const Number &right) { return std::is_eq(left <=> right); }
 
 private:
     std::variant<std::int64_t, std::uint64_t, double, bool, Decimal> m_value = std::int64_t{0};

@@ -68,7 +68,7 @@ ParseError errorAt(std::string_view text, std::size_t offset, const std::string 
 // Whether the exponent of a literal, "" or "e…", is one that a decimal can have.
 bool isDecimalExponent(std::string_view exponent)
 {
-    return !Decimal::fromString("1" + std::string(exponent)).isNaN();
+    return !Decimal::fromString(std::string("1").append(exponent)).isNaN();
 }
 
 Number numberOfLiteral(double nearest, std::string_view literal)

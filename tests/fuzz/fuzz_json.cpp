@@ -1,0 +1,138 @@
+// Whatever the bytes are: reading gives a value or an error; what was read, written and read again is the
+// same value with the same text; and every accessor answers on every kind of value.
+#include "json/json.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+
+using namespace tessaly;
+
+namespace {
+
+#define REQUIRE(condition)                                                                                   \
+    do {                                                                                                     \
+        if (!(condition)) fail(#condition, __LINE__);                                                        \
+    } while (false)
+
+[[noreturn]] void fail(const char *condition, int line)
+{
+    std::fprintf(stderr, "line %d: %s does not hold\n", line, condition);
+    std::abort();
+}
+
+JSON read(std::string_view text)
+{
+    return JSON::fromBytes(text, {.fragmentsAllowed = true});
+}
+
+void checkText(const JSON &json)
+{
+    for (const bool pretty : {false, true}) {
+        for (const TextEncoding encoding : {TextEncoding::utf8, TextEncoding::ascii}) {
+            writingOptionsKeys options;
+            options.jsonSerialization.prettyPrinted = pretty;
+            options.jsonSerialization.escapesSlashes = pretty;
+            options.encoding = encoding;
+            const std::string text = json.rawString(options);
+            const JSON again = read(text);
+            REQUIRE(again == json);
+            REQUIRE(again.rawString(options) == text);
+        }
+    }
+}
+
+void checkCoding(const JSON &json)
+{
+    const JSON decoded = JSON::decode([&json](EventSink &sink) { json.encode(sink); });
+    REQUIRE(decoded == json);
+    REQUIRE(decoded.description() == json.description());
+}
+
+void checkAccessors(const JSON &json)
+{
+    const Type type = json.type();
+    const bool isNumeric = type == Type::number || type == Type::bool_;
+    REQUIRE(json.string().has_value() == (type == Type::string));
+    REQUIRE(json.number().has_value() == isNumeric);
+    REQUIRE(json.int_().has_value() == isNumeric);
+    REQUIRE(json.double_().has_value() == isNumeric);
+    REQUIRE(json.bool_().has_value() == (type == Type::bool_));
+    REQUIRE(json.array().has_value() == (type == Type::array));
+    REQUIRE(json.dictionary().has_value() == (type == Type::dictionary));
+    REQUIRE(json.dictionaryObject().has_value() == (type == Type::dictionary));
+    if (isNumeric) {
+        REQUIRE(*json.int_() == json.intValue());
+        REQUIRE(Number(*json.double_()) == Number(json.doubleValue()));
+        REQUIRE(*json.number() == json.numberValue());
+    }
+    REQUIRE(json.arrayValue().size() == json.rawArray().size());
+    REQUIRE(json.dictionaryValue().size() == json.rawDictionary().size());
+    REQUIRE(json.count() == json.rawArray().size() + json.rawDictionary().size());
+    REQUIRE(json.rawNumber() == json.rawNumber());
+    REQUIRE(json.rawBool() == (type == Type::bool_ && json.boolValue()));
+    REQUIRE(json.stringValue().empty() || type == Type::string || isNumeric);
+    REQUIRE(json.numberValue().stringValue() != "NaN");
+    REQUIRE(json == json && json <= json && json >= json && !(json < json) && !(json > json));
+    REQUIRE(JSON::fromObject(json.object()) == json);
+    REQUIRE(json.merged(json).type() == type);
+    REQUIRE(json["\xFF"].error().has_value());
+    REQUIRE(json[-1].error().has_value());
+}
+
+void checkWriting(const JSON &json)
+{
+    JSON written = json;
+    REQUIRE(written.set("new", 1) == (json.type() == Type::dictionary));
+    REQUIRE(written.set(0, 2) == !json.rawArray().empty());
+    if (json.count() == 0) return;
+    written = json;
+    const JSON::Element first = *json.begin();
+    const JSONSubscriptType step =
+        json.type() == Type::array ? JSONSubscriptType(0) : JSONSubscriptType(first.key);
+    REQUIRE(json[{step}] == first.value);
+    REQUIRE(written.set({step}, "changed"));
+    REQUIRE(written[{step}] == "changed");
+    REQUIRE(written.set({step}, first.value));
+    REQUIRE(written == json);
+}
+
+void checkEveryPart(const JSON &root)
+{
+    constexpr std::size_t enough = 200;
+    std::vector<JSON> parts{root};
+    for (std::size_t i = 0; i < std::min(parts.size(), enough); ++i) {
+        const JSON part = parts[i];
+        checkAccessors(part);
+        checkWriting(part);
+        for (const auto &[key, value] : part) {
+            if (parts.size() < enough) parts.push_back(value);
+        }
+    }
+}
+
+void checkDecimal(std::string_view text)
+{
+    const Decimal decimal = Decimal::fromString(text);
+    if (decimal.isNaN()) return;
+    REQUIRE(Decimal::fromString(decimal.stringValue()).stringValue() == decimal.stringValue());
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
+{
+    const std::string_view text(reinterpret_cast<const char *>(data), size);
+    checkDecimal(text);
+    checkAccessors(JSON(text));
+    try {
+        const JSON json = read(text);
+        checkText(json);
+        checkCoding(json);
+        checkEveryPart(json);
+    } catch (const ParseError &error) {
+        REQUIRE(!error.position() || *error.position() <= size);
+        REQUIRE(error.description().find('\n') == std::string::npos);
+    }
+    return 0;
+}

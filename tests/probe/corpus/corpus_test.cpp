@@ -54,7 +54,7 @@ public:
         const qint64 counterClockwise = m_row[u"rotation"_s].toLongLong();
         if (counterClockwise == -90) return 90;
         if (counterClockwise == 90) return 270;
-        return qAbs(counterClockwise) == 180 ? 180 : 0;
+        return counterClockwise == 180 || counterClockwise == -180 ? 180 : 0;
     }
 
 private:

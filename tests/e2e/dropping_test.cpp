@@ -1,0 +1,171 @@
+// Real drags from a second process.
+#include "e2e/end_to_end_case.h"
+#include "e2e/media_facts.h"
+#include "e2e/tasks.h"
+
+using namespace Qt::StringLiterals;
+using namespace tessaly::e2e;
+
+class DroppingTest : public EndToEndCase
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void opensTheFirstFile_data();
+    void opensTheFirstFile();
+    void takesNothingElse_data();
+    void takesNothingElse();
+    void reportsACopyWhenAMoveIsOffered();
+    void showsNamesLiterally_data();
+    void showsNamesLiterally();
+
+private:
+    bool drag(Program &source, const Program &target, const QString &answer);
+    bool enterUntil(const QPoint &to, const QPoint &edge, Program &source, const QString &answer);
+    bool restOn(const QPoint &to, const Program &target);
+};
+
+namespace {
+
+QStringList at(const QPoint &point)
+{
+    return {u"mousemove"_s, QString::number(point.x()), QString::number(point.y())};
+}
+
+// What the target under the mouse would do, as far as the source has heard.
+QString answerOf(Program &source)
+{
+    return source.standardOutput().section("over "_L1, -1).trimmed();
+}
+
+} // namespace
+
+// A drag as a hand makes it: it starts slowly, goes over the lower edge of the window, and is let go on the
+// target.
+bool DroppingTest::drag(Program &source, const Program &target, const QString &answer)
+{
+    const auto isReady = [&] {
+        return source.standardOutput().contains("ready"_L1) && source.shows(Role::filler);
+    };
+    if (!QTest::qWaitFor(isReady)) return false;
+    const std::optional<Control> start = source.find(Role::filler);
+    const std::optional<Control> window = target.find(Role::frame);
+    const std::optional<Control> hint =
+        target.find(Role::label, u"Drop a video here, or press Ctrl+O to open one"_s);
+    if (!start || !window || !hint) return false;
+    const QPoint from = start->extents().center();
+    const QPoint edge = window->extents().bottomLeft() + QPoint(40, -6);
+    const QPoint to = hint->extents().center();
+
+    desktop().xdotool(at(from) + QStringList{u"mousedown"_s, u"1"_s});
+    for (int step = 1; step <= 5; ++step)
+        desktop().xdotool(at(from - QPoint(4 * step, 0)));
+    for (int step = 1; step <= 12; ++step)
+        desktop().xdotool(at(from + (edge - from) * step / 12));
+    const bool isAnswered =
+        answer == "nothing"_L1 ? restOn(to, target) : enterUntil(to, edge, source, answer);
+    desktop().xdotool({u"mouseup"_s, u"1"_s});
+    return isAnswered &&
+           QTest::qWaitFor([&] { return source.standardOutput().contains(u"done "_s + answer); });
+}
+
+// A target answers each movement. Letting go before the last answer is there would lose the drop, so the last
+// movement is one that changes the answer.
+bool DroppingTest::enterUntil(const QPoint &to, const QPoint &edge, Program &source, const QString &answer)
+{
+    const auto isAnswered = [&] { return answerOf(source) == answer; };
+    for (int attempt = 0; attempt < 5; ++attempt) {
+        desktop().xdotool(at(edge));
+        (void)QTest::qWaitFor([&] { return !isAnswered(); }, 1000);
+        desktop().xdotool(at(to));
+        if (QTest::qWaitFor(isAnswered, 1000)) return true;
+    }
+    return false;
+}
+
+// The source does not hear of a refusal; the target gets the time for many answers.
+bool DroppingTest::restOn(const QPoint &to, const Program &target)
+{
+    bool isAlive = true;
+    for (int rests = 0; rests < 15; ++rests) {
+        desktop().xdotool(at(to + QPoint(rests % 2, 0)));
+        isAlive = isAlive && target.shows(Role::frame);
+    }
+    return isAlive;
+}
+
+void DroppingTest::opensTheFirstFile_data()
+{
+    QTest::addColumn<QStringList>("files");
+    const QString plain = clip(u"plain.mp4"_s);
+    QTest::newRow("one file") << QStringList{plain};
+    QTest::newRow("three files") << QStringList{plain, clip(u"long.mp4"_s), clip(u"hd.mp4"_s)};
+}
+
+void DroppingTest::opensTheFirstFile()
+{
+    QFETCH(QStringList, files);
+    Program &tessaly = launch();
+    Program &source = start(u"../tests/bin/drag_source"_s, {.arguments = files});
+    QVERIFY(drag(source, tessaly, u"copy"_s));
+    QTRY_VERIFY_WITH_TIMEOUT(tessaly.shows(Role::label, u"Input: 640 x 360"_s), workTime);
+    QVERIFY(tessaly.isEnabled(Role::button, u"Save"_s));
+    QVERIFY(!tessaly.shows(Role::alert));
+    QCOMPARE(posterFrames().size(), 11);
+}
+
+void DroppingTest::takesNothingElse_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::newRow("a folder") << QStringList{QStringLiteral(TESSALY_MEDIA_FOLDER)};
+    QTest::newRow("a file that is gone") << QStringList{clip(u"gone.mp4"_s)};
+    QTest::newRow("text") << QStringList{u"--text"_s, clip(u"plain.mp4"_s)};
+}
+
+void DroppingTest::takesNothingElse()
+{
+    QFETCH(QStringList, arguments);
+    Program &tessaly = launch();
+    Program &source = start(u"../tests/bin/drag_source"_s, {.arguments = arguments});
+    QVERIFY(drag(source, tessaly, u"nothing"_s));
+    // The window answers to what comes next, and to nothing before.
+    QVERIFY(tessaly.press({u"F1"_s}));
+    QCOMPARE(waitForAlert(tessaly).value(0), u"Questions?"_s);
+    QVERIFY(tessaly.shows(Role::label, u"Input: 0 x 0"_s));
+    QVERIFY(posterFrames().isEmpty());
+}
+
+void DroppingTest::reportsACopyWhenAMoveIsOffered()
+{
+    const QString path = copyOfClip(u"plain.mp4"_s, u"offered.mp4"_s);
+    Program &tessaly = launch();
+    Program &source = start(u"../tests/bin/drag_source"_s, {.arguments = {u"--move"_s, path}});
+    QVERIFY(drag(source, tessaly, u"copy"_s));
+    QTRY_VERIFY_WITH_TIMEOUT(tessaly.shows(Role::label, u"Input: 640 x 360"_s), workTime);
+    QCOMPARE(checksum(path), checksum(clip(u"plain.mp4"_s)));
+}
+
+void DroppingTest::showsNamesLiterally_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::newRow("markup") << u"<b>bold & \"quoted\"</b>.mp4"_s.replace(u'/', u'\\');
+    QTest::newRow("line break") << u"first\nsecond's.mp4"_s;
+    QTest::newRow("mark of a changed document") << u"mark [*] %d.mp4"_s;
+    QTest::newRow("leading dash, not ASCII") << u"-i \u00e9\u4e2d\U0001f600.mp4"_s;
+}
+
+void DroppingTest::showsNamesLiterally()
+{
+    QFETCH(QString, name);
+    const QString path = copyOfClip(u"plain.mp4"_s, name);
+    Program &tessaly = launch();
+    Program &source = start(u"../tests/bin/drag_source"_s, {.arguments = {path}});
+    QVERIFY(drag(source, tessaly, u"copy"_s));
+    QTRY_VERIFY_WITH_TIMEOUT(tessaly.shows(Role::label, u"Input: 640 x 360"_s), workTime);
+    QTRY_VERIFY2(tessaly.shows(Role::frame, name + u" - Tessaly"_s),
+                 qPrintable(tessaly.find(Role::frame)->name()));
+    QCOMPARE(posterFrames().size(), 11);
+}
+
+TESSALY_TEST_MAIN(DroppingTest)
+#include "dropping_test.moc"

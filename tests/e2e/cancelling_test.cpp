@@ -1,0 +1,105 @@
+// Ends of a conversion before its time.
+#include "e2e/end_to_end_case.h"
+#include "e2e/processes.h"
+#include "e2e/tasks.h"
+
+#include <csignal>
+
+using namespace Qt::StringLiterals;
+using namespace tessaly::e2e;
+
+class CancellingTest : public EndToEndCase
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void cancelsInTheMiddle_data();
+    void cancelsInTheMiddle();
+    void endsSoonWhenAskedToWhileConverting_data();
+    void endsSoonWhenAskedToWhileConverting();
+    void tellsThatTheConverterWasKilled();
+
+private:
+    // A launched copy in the middle of a conversion to that file.
+    Program &convertingTo(const QString &output);
+    static bool isInTheMiddle(const Program &tessaly, const QString &output);
+};
+
+Program &CancellingTest::convertingTo(const QString &output)
+{
+    Program &tessaly = launch();
+    (void)(openVideo(tessaly, clip(u"long.mp4"_s), u"1280 x 720"_s) && chooseOutput(tessaly, output) &&
+           QTest::qWaitFor([&] { return isInTheMiddle(tessaly, output); }, workTime));
+    return tessaly;
+}
+
+bool CancellingTest::isInTheMiddle(const Program &tessaly, const QString &output)
+{
+    const std::optional<Control> bar = tessaly.find(Role::progressBar, u"Resizing Video..."_s);
+    return bar && bar->value() > 0 && bar->value() < 100 && runningMediaTools().size() == 1 &&
+           QFile::exists(output);
+}
+
+void CancellingTest::cancelsInTheMiddle_data()
+{
+    QTest::addColumn<bool>("byKey");
+    QTest::newRow("by its button") << false;
+    QTest::newRow("by Escape") << true;
+}
+
+void CancellingTest::cancelsInTheMiddle()
+{
+    QFETCH(bool, byKey);
+    const QString output = file(u"cancelled.mp4"_s);
+    Program &tessaly = convertingTo(output);
+    QVERIFY(isInTheMiddle(tessaly, output));
+    QVERIFY(byKey ? tessaly.press({u"Escape"_s}) : tessaly.click(Role::button, u"Cancel"_s));
+    QTRY_VERIFY_WITH_TIMEOUT(!tessaly.shows(Role::label, u"Resizing Video..."_s), workTime);
+    QTRY_VERIFY(!QFile::exists(output));
+    QVERIFY(runningMediaTools().isEmpty());
+    // The next sheet is the one that was asked for, and no other.
+    QVERIFY(tessaly.press({u"F1"_s}));
+    QCOMPARE(waitForAlert(tessaly).value(0), u"Questions?"_s);
+    QVERIFY(tessaly.press({u"Return"_s}));
+    QTRY_VERIFY(!tessaly.shows(Role::alert));
+    QVERIFY(tessaly.isEnabled(Role::button, u"Save"_s));
+    QVERIFY(tessaly.shows(Role::label, u"Input: 1280 x 720"_s));
+}
+
+void CancellingTest::endsSoonWhenAskedToWhileConverting_data()
+{
+    QTest::addColumn<int>("signal");
+    QTest::newRow("SIGTERM") << SIGTERM;
+    QTest::newRow("SIGINT") << SIGINT;
+}
+
+void CancellingTest::endsSoonWhenAskedToWhileConverting()
+{
+    QFETCH(int, signal);
+    const QString output = file(u"interrupted.mp4"_s);
+    Program &tessaly = convertingTo(output);
+    QVERIFY(isInTheMiddle(tessaly, output));
+    tessaly.send(signal);
+    QTRY_VERIFY_WITH_TIMEOUT(tessaly.hasEnded(), 5000);
+    QVERIFY(runningMediaTools().isEmpty());
+    QVERIFY(!QFile::exists(output));
+    QCOMPARE(temporaryFiles(), QStringList());
+}
+
+void CancellingTest::tellsThatTheConverterWasKilled()
+{
+    const QString output = file(u"killed.mp4"_s);
+    Program &tessaly = convertingTo(output);
+    QVERIFY(isInTheMiddle(tessaly, output));
+    ::kill(static_cast<pid_t>(runningMediaTools().constFirst().id), SIGKILL);
+    const QStringList labels = waitForAlert(tessaly);
+    QCOMPARE(labels.value(0), u"Video could not be resized."_s);
+    QVERIFY(!labels.value(1).isEmpty());
+    QVERIFY(!QFile::exists(output));
+    QVERIFY(tessaly.click(Role::button, u"OK"_s));
+    QTRY_VERIFY(!tessaly.shows(Role::alert));
+    QVERIFY(tessaly.isEnabled(Role::button, u"Save"_s));
+}
+
+TESSALY_TEST_MAIN(CancellingTest)
+#include "cancelling_test.moc"

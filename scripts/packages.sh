@@ -10,7 +10,7 @@ fail() {
 # The Debian packages that a build needs, that tests need beside them, and that the fuzzing and tidy presets need.
 build_packages="g++ cmake ninja-build qt6-base-dev nlohmann-json3-dev ffmpeg"
 run_packages="libqt6svg6 qt6-qpa-plugins"
-test_packages="xvfb xdotool dbus-daemon at-spi2-core locales fonts-dejavu-core"
+test_packages="xvfb xdotool dbus-daemon at-spi2-core locales fonts-dejavu-core desktop-file-utils appstream mandoc"
 
 missing_packages() {
     local package

@@ -42,7 +42,7 @@ public:
     static constexpr std::chrono::milliseconds cancelPatience = std::chrono::seconds(15);
     static constexpr std::chrono::milliseconds endPatience = std::chrono::seconds(3);
 
-    static constexpr qsizetype keptText = 64 * 1024; // bytes
+    static constexpr qsizetype keptText = 65536; // bytes
 
     // One piece of standard error as it was read; called by run() on its thread, in order.
     using ChunkHandler = std::function<void(const QByteArray &)>;

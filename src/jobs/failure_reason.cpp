@@ -41,7 +41,7 @@ public:
     {
         const QRegularExpression regex(u"^(?:"_s + pattern + u')');
         for (const QString &line : m_said) {
-            const auto match = regex.match(line);
+            auto match = regex.match(line);
             if (match.hasMatch()) return match;
         }
         return {};
@@ -187,7 +187,7 @@ std::optional<QString> knownFailureReason(const QStringList &lines, const Resize
     const Words words(lines);
     for (const auto reason :
          {spaceReason, accessReason, sizeReason, memoryReason, codecReason, damageReason}) {
-        if (const Reason found = reason(words, target)) return found;
+        if (Reason found = reason(words, target)) return found;
     }
     return std::nullopt;
 }

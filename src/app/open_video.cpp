@@ -66,6 +66,7 @@ void AppDelegate::openVideo(const QUrl &url)
 
 void AppDelegate::refuse(Refusal refusal)
 {
+    window->showStatus(globalFP->proberFailure.value_or(QString()));
     if (refusal == Refusal::dvdFile) {
         showAlert(u"Tessaly cannot open .VOB files."_s, u"Questions? : "_s + supportAddress);
         return;

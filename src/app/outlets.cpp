@@ -48,6 +48,10 @@ void AppDelegate::connectActions(MainWindow *form)
     connect(sizeSLDR.get(), &Slider::changedByUser, this, [this] { sizeSLDRChanged(sizeSLDR.get()); });
     connect(widthTF.get(), &NumberField::committed, this, [this] { widthTFChanged(widthTF.get()); });
     connect(heightTF.get(), &NumberField::committed, this, [this] { heightTFChanged(heightTF.get()); });
+    connect(posterView.get(), &ImageDropView::unreadableNameDropped, this, [this] {
+        showAlert(tr("This file cannot be opened."),
+                  tr("Its name is not valid UTF-8. Please rename it first."));
+    });
     connect(posterPositionSlider.get(), &Slider::changedByUser, this,
             [this] { posterPositionSliderChanged(posterPositionSlider.get()); });
     connect(progressCancel.get(), &QPushButton::clicked, this,

@@ -146,6 +146,11 @@ void AppHarness::sendDrop(QWidget *target, const QList<QUrl> &urls)
 {
     QMimeData data;
     data.setUrls(urls);
+    sendDrop(target, data);
+}
+
+void AppHarness::sendDrop(QWidget *target, const QMimeData &data)
+{
     QDragEnterEvent enter(target->rect().center(), Qt::CopyAction, &data, Qt::LeftButton, {});
     QCoreApplication::sendEvent(target, &enter);
     if (!enter.isAccepted()) return;

@@ -60,6 +60,7 @@ public:
     void type(NumberField *field, const QString &text);
 
     static void sendDrop(QWidget *target, const QList<QUrl> &urls);
+    static void sendDrop(QWidget *target, const QMimeData &data);
 };
 
 } // namespace tessaly::test

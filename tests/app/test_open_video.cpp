@@ -3,6 +3,9 @@
 #include "platform/printing.h"
 #include "support/test_case.h"
 
+#include <QMimeData>
+#include <QStatusBar>
+
 using namespace tessaly;
 using namespace tessaly::test;
 using namespace Qt::StringLiterals;
@@ -229,6 +232,29 @@ private Q_SLOTS:
         QTest::keyClick(panel(), Qt::Key_Escape);
         QTRY_VERIFY(!panel());
         QVERIFY(!app->delegate.globalFP); // nor is it delivered later
+    }
+
+    void aNameThatIsNotUtf8IsRefusedClearly()
+    {
+        const QByteArray name = QFile::encodeName(app->folder.path()) + "/caf\xe9.mp4";
+        std::FILE *file = std::fopen(name.constData(), "w");
+        QVERIFY(file && std::fclose(file) == 0);
+        QMimeData data;
+        data.setData(u"text/uri-list"_s, "file://" + name.toPercentEncoding("/") + "\r\n");
+        AppHarness::sendDrop(app->delegate.posterView.get(), data);
+        QTRY_VERIFY(app->alert());
+        QVERIFY(app->alertText().contains("not valid UTF-8"_L1));
+        QVERIFY(!app->delegate.globalFP);
+    }
+
+    void whyTheProberGaveNothingStandsInTheStatusLine()
+    {
+        setPrintTarget(PrintTarget::nowhere);
+        app->tools.remove(u"sniffer"_s);
+        app->drop(app->makeFile(u"clip.mp4"_s));
+        setPrintTarget(PrintTarget::standardOutput);
+        QCOMPARE(app->alertText(), unsupportedAlert);
+        QVERIFY(app->find<QStatusBar>("statusBar")->currentMessage().contains("sniffer"_L1));
     }
 
     void namesAreShownLiterally_data()

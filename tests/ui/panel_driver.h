@@ -3,7 +3,6 @@
 
 #include <QAbstractButton>
 #include <QAbstractItemView>
-#include <QCompleter>
 #include <QDialogButtonBox>
 #include <QFileDialog>
 #include <QLineEdit>
@@ -55,6 +54,7 @@ public:
     void type(const QString &name)
     {
         panel()->activateWindow();
+        nameField()->setCompleter(nullptr); // its popup comes at any time and would swallow the click
         nameField()->setFocus();
         QVERIFY(QTest::qWaitForWindowActive(panel()));
         nameField()->selectAll();
@@ -66,7 +66,6 @@ public:
 
     void accept()
     {
-        nameField()->completer()->popup()->hide(); // it would swallow the click
         click(acceptButton());
     }
 

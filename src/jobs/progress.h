@@ -17,7 +17,7 @@ std::optional<double> percentOfChunk(const QByteArray &chunk, double duration);
 
 // The line below the bar: "42 % - about 1 minute left", in whole percent and a coarse time.
 //
-// Readings that cannot be progress are left out: not finite, below 0, above 110 (a time stamp that is none),
+// Readings that cannot be progress are left out: not finite, above 110 (a time stamp that is none),
 // below what was believed before. A rise of more than 10 points at once is believed when the next reading
 // does not fall behind it; a header's time stamp, which stands for 100 percent, falls at that. In a fast job,
 // whose readings lie further apart, twice the last rise is the measure. Readings from 100 to 110 (a sound

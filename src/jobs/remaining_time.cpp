@@ -39,7 +39,7 @@ QString timeText(double seconds)
 
 bool RemainingTime::believe(double percent)
 {
-    if (!std::isfinite(percent) || percent < 0 || percent > highestReading) return false;
+    if (!std::isfinite(percent) || percent > highestReading) return false;
     const double reading = qMin(percent, 100.0);
     if (m_jump && reading >= *m_jump) riseTo(*m_jump);
     m_jump.reset();

@@ -48,6 +48,7 @@ private Q_SLOTS:
     void waitsUntilItCanBeTold();
     void leavesOutWhatIsNoProgress_data();
     void leavesOutWhatIsNoProgress();
+    void doesNotBelieveWhatIsFarTooLargeTwice();
     void believesAConfirmedJump();
     void tellsOfAFastJob();
     void changesAtMostOnceASecond();
@@ -139,6 +140,12 @@ void TestRemainingTime::leavesOutWhatIsNoProgress()
             QCOMPARE(line.text(), expected.at(i));
         }
     }
+}
+
+void TestRemainingTime::doesNotBelieveWhatIsFarTooLargeTwice()
+{
+    const QStringList texts = textsOf({2617138.5, 2617138.5, 4, 8, 12, 16}, 1000);
+    QCOMPARE(texts.last(), u"16 % - about 30 seconds left"_s);
 }
 
 void TestRemainingTime::believesAConfirmedJump()

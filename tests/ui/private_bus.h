@@ -36,6 +36,8 @@ public:
         return QDBusConnection::connectToBus(m_address, name);
     }
 
+    const QString &address() const { return m_address; }
+
     ~PrivateBus()
     {
         m_daemon.kill();

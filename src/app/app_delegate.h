@@ -9,11 +9,13 @@
 #include "probe/file_probe.h"
 #include "probe/refusal.h"
 #include "ui/image_drop_view.h"
+#include "ui/launcher_progress.h"
 #include "ui/main_window.h"
 #include "ui/number_field.h"
 #include "ui/outlet.h"
 #include "ui/progress_bar.h"
 #include "ui/progress_sheet.h"
+#include "ui/sleep_inhibitor.h"
 #include "ui/slider.h"
 
 #include <QAction>
@@ -147,6 +149,7 @@ private:
     void showProgress(double percent);
     void stopJobForGood();
     void showFailure(const Failure &failure);
+    void notifyWhenUnseen(const QString &title, const QString &text) const;
 
     bool m_panelIsUp = false;
     bool m_isOpening = false;
@@ -156,6 +159,9 @@ private:
     std::optional<OutputGuard> m_outputGuard;
     RemainingTime m_remainingTime;
     QElapsedTimer m_jobTime;
+    std::optional<SleepInhibitor> m_sleepInhibitor;
+    std::optional<LauncherProgress> m_launcherProgress;
+    bool m_endIsUnseen = false; // none of our windows was in front when the job ended
 };
 
 } // namespace tessaly

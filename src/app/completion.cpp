@@ -2,8 +2,12 @@
 #include "app/app_delegate.h"
 #include "jobs/completion_text.h"
 #include "jobs/failure_report.h"
+#include "platform/paths.h"
 #include "ui/alert.h"
+#include "ui/desktop_notification.h"
 #include "ui/desktop_services.h"
+
+#include <QApplication>
 
 namespace tessaly {
 
@@ -11,6 +15,7 @@ using namespace Qt::StringLiterals;
 
 void AppDelegate::finishResize(const QString &outputPath, const RunOutcome &outcome)
 {
+    m_endIsUnseen = QApplication::activeWindow() == nullptr; // before our own sheets change that
     endResizingSheet();
     const FileProbe outputProbe(outputPath);
     showCompletionReport(outputProbe, outcome);
@@ -41,6 +46,12 @@ void AppDelegate::showCompletionReport(const FileProbe &outputProbe, const RunOu
     alert.addButtonWithTitle(u"Launch Video in QuickTime"_s);
     alert.beginSheet(window.get(),
                      [this, outputProbe](int response) { handleCompletionButton(response, outputProbe); });
+    notifyWhenUnseen(alert.messageText, lastPathComponent(*outputProbe.fileFullPath));
+}
+
+void AppDelegate::notifyWhenUnseen(const QString &title, const QString &text) const
+{
+    if (m_endIsUnseen) notifyOnDesktop(title, text);
 }
 
 void AppDelegate::handleCompletionButton(int response, const FileProbe &outputProbe)
@@ -57,6 +68,7 @@ void AppDelegate::showFailure(const Failure &failure)
                 .detailsText = failure.details};
     alert.addButtonWithTitle(u"OK"_s);
     alert.beginSheet(window.get());
+    notifyWhenUnseen(alert.messageText, failure.sentence);
 }
 
 } // namespace tessaly

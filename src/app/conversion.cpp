@@ -30,11 +30,14 @@ void AppDelegate::showResizingSheet()
     progressCancel->setEnabled(true);
     progressCancel->show();
     progressWindow->beginSheet(window.get());
+    m_sleepInhibitor.emplace(u"A video is being resized"_s);
+    m_launcherProgress.emplace().show(0);
 }
 
 void AppDelegate::showProgress(double percent)
 {
     progressBar->setDoubleValue(percent);
+    m_launcherProgress->show(percent);
     m_remainingTime.addReading(percent, std::chrono::milliseconds(m_jobTime.elapsed()));
     progressDetail->setText(m_remainingTime.text());
 }
@@ -51,6 +54,8 @@ void AppDelegate::endResizingSheet()
     progressDetail->clear();
     progressCancel->hide();
     progressWindow->endSheet();
+    m_sleepInhibitor.reset();
+    m_launcherProgress.reset();
 }
 
 void AppDelegate::endSoon()

@@ -85,26 +85,30 @@ function(tessaly_library room)
   endif()
 endfunction()
 
-# tessaly_test(<name> [GUI] SOURCES … LINKS … [LABELS …] [FIXTURES …] [TIMEOUT seconds]): one Qt Test program under
-# CTest. It runs without a display.
+# tessaly_test(<name> [GUI] [SOURCES …] LINKS … [FIXTURES …] [TIMEOUT seconds]): the Qt Test program <name>_test.cpp of
+# one folder under tests/, with further sources if it has any. CTest knows it as <folder>_<name>, its target is
+# test_<folder>_<name>, and it runs without a display.
 function(tessaly_test name)
-  cmake_parse_arguments(ARG "GUI" "TIMEOUT" "SOURCES;LINKS;LABELS;FIXTURES" ${ARGN})
+  cmake_parse_arguments(ARG "GUI" "TIMEOUT" "SOURCES;LINKS;FIXTURES" ${ARGN})
   if(NOT ARG_TIMEOUT)
     set(ARG_TIMEOUT 120)
   endif()
-  add_executable(test_${name} ${ARG_SOURCES})
-  target_link_libraries(test_${name} PRIVATE tessaly_rules tessaly_test_support ${ARG_LINKS} Qt6::Test)
+  cmake_path(GET CMAKE_CURRENT_SOURCE_DIR FILENAME room)
+  set(test ${room}_${name})
+  set(target test_${test})
+  add_executable(${target} ${name}_test.cpp ${ARG_SOURCES})
+  target_link_libraries(${target} PRIVATE tessaly_rules tessaly_test_support ${ARG_LINKS} Qt6::Test)
   if(ARG_GUI)
-    target_link_libraries(test_${name} PRIVATE Qt6::Widgets)
-    tessaly_use_precompiled(test_${name} gui_test)
+    target_link_libraries(${target} PRIVATE Qt6::Widgets)
+    tessaly_use_precompiled(${target} gui_test)
   else()
-    tessaly_use_precompiled(test_${name} test)
+    tessaly_use_precompiled(${target} test)
   endif()
-  set_target_properties(test_${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/tests/bin")
-  add_test(NAME ${name} COMMAND test_${name})
-  set_tests_properties(${name} PROPERTIES TIMEOUT ${ARG_TIMEOUT} LABELS "${ARG_LABELS}" ENVIRONMENT
+  set_target_properties(${target} PROPERTIES RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/tests/bin")
+  add_test(NAME ${test} COMMAND ${target})
+  set_tests_properties(${test} PROPERTIES TIMEOUT ${ARG_TIMEOUT} LABELS ${room} ENVIRONMENT
                                           "QT_QPA_PLATFORM=offscreen;LC_ALL=C.UTF-8")
   if(ARG_FIXTURES)
-    set_tests_properties(${name} PROPERTIES FIXTURES_REQUIRED "${ARG_FIXTURES}")
+    set_tests_properties(${test} PROPERTIES FIXTURES_REQUIRED "${ARG_FIXTURES}")
   endif()
 endfunction()

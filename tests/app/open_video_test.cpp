@@ -1,0 +1,280 @@
+// Opening a video by drop and by panel.
+#include "app/app_harness.h"
+#include "platform/printing.h"
+#include "support/test_case.h"
+
+#include <QMimeData>
+#include <QStatusBar>
+
+using namespace tessaly;
+using namespace tessaly::test;
+using namespace Qt::StringLiterals;
+
+namespace {
+
+const auto vobAlert = u"Tessaly cannot open .VOB files.\nQuestions? : support@tessaly.example"_s;
+const auto unsupportedAlert = u"Seems to be an unsupported file.\nDoes the video play in a video player?\n"
+                              "Please try opening some other file or contact : support@tessaly.example"_s;
+
+QByteArray reportWith(const QByteArray &stream, const QByteArray &more = {})
+{
+    return R"({"streams": [{"codec_type": "video", "avg_frame_rate": "25/1", )" + stream +
+           R"(}], "format": {"duration": "12"})" + more + "}";
+}
+
+} // namespace
+
+class TestOpenVideo : public TestCase
+{
+    Q_OBJECT
+
+private:
+    std::unique_ptr<AppHarness> app;
+
+    QFileDialog *panel() const { return app->panel(); }
+
+private Q_SLOTS:
+    void init()
+    {
+        TestCase::init();
+        app = std::make_unique<AppHarness>();
+    }
+    void cleanup() { app.reset(); }
+
+    void anAcceptedFileEnablesTheWindow()
+    {
+        app->letConverterMakeStills();
+        app->letProberReport(1919, 1080);
+        app->delegate.sizeSLDR->setDoubleValue(31);
+        app->drop(app->makeFile(u"odd clip.mp4"_s));
+        const AppDelegate &delegate = app->delegate;
+        QCOMPARE(delegate.inputLBL->text(), u"Input: 1919 x 1080"_s);
+        QVERIFY(delegate.proportionalCBX->isEnabled() && delegate.proportionalCBX->isChecked());
+        QVERIFY(delegate.sizeSLDR->isEnabled());
+        QCOMPARE(delegate.sizeSLDR->doubleValue(), 100.0);
+        QVERIFY(delegate.widthTF->isEnabled() && delegate.heightTF->isEnabled());
+        QCOMPARE(delegate.widthTF->text(), u"1919"_s);
+        QCOMPARE(delegate.heightTF->text(), u"1080"_s);
+        QCOMPARE(delegate.sliderTitleLBL->text(), u"Scale:"_s);
+        QCOMPARE(delegate.currentFocussedTF, u"None"_s);
+        QVERIFY(delegate.posterPositionSliderTBI->isEnabled() && delegate.posterPositionSlider->isEnabled());
+        QCOMPARE(delegate.posterPositionSlider->intValue(), 6);
+        QVERIFY(delegate.saveBTN->isEnabled());
+        QCOMPARE(delegate.originalWidth, 1919);
+        QCOMPARE(delegate.originalHeight, 1080);
+        QCOMPARE(delegate.originalRatio, 1919.0 / 1080.0);
+        QVERIFY(!app->find<QLabel>("dropHintLBL")->isVisible());
+        QVERIFY(!delegate.progressWindow->isVisible());
+        QCOMPARE(app->window.windowTitle(), u"odd clip.mp4 - Tessaly"_s);
+        QCOMPARE(app->window.windowFilePath(), app->folder.filePath(u"odd clip.mp4"_s));
+    }
+
+    void openingAgainPutsEverythingBack()
+    {
+        app->openSize(640, 360);
+        QTest::mouseClick(app->delegate.proportionalCBX.get(), Qt::LeftButton, {}, QPoint(8, 8));
+        app->delegate.posterPositionSlider->setIntegerValue(9);
+        const auto first = app->delegate.globalFP;
+        app->openSize(320, 180);
+        QVERIFY(app->delegate.globalFP != first);
+        QVERIFY(app->delegate.proportionalCBX->isChecked());
+        QCOMPARE(app->delegate.sliderTitleLBL->text(), u"Scale:"_s);
+        QCOMPARE(app->delegate.currentFocussedTF, u"None"_s);
+        QCOMPARE(app->delegate.posterPositionSlider->intValue(), 6);
+        QCOMPARE(app->delegate.inputLBL->text(), u"Input: 320 x 180"_s);
+    }
+
+    void dvdFilesAreRefused_data()
+    {
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<bool>("refused");
+        QTest::newRow("capitals") << u"clip.VOB"_s << true;
+        QTest::newRow("small") << u"clip.vob"_s << true;
+        QTest::newRow("mixed") << u"clip.Vob"_s << true;
+        QTest::newRow("only in the middle") << u"clip.vob.mp4"_s << false;
+        QTest::newRow("no extension") << u"vob"_s << false;
+    }
+    void dvdFilesAreRefused()
+    {
+        QFETCH(QString, name);
+        QFETCH(bool, refused);
+        app->letProberReport(640, 360);
+        app->drop(app->makeFile(name));
+        QCOMPARE(app->alert() != nullptr, refused);
+        QCOMPARE(app->delegate.saveBTN->isEnabled(), !refused);
+        if (refused) {
+            QCOMPARE(app->alertText(), vobAlert);
+            QCOMPARE(app->alertButtons(), QStringList{u"OK"_s});
+        }
+        QVERIFY(app->delegate.globalFP->isValidMediaFile); // probed before any check, and kept
+    }
+
+    void whatIsNoPlayableVideoIsRefused_data()
+    {
+        QTest::addColumn<QByteArray>("report");
+        QTest::addColumn<bool>("accepted");
+        const QByteArray size = R"("width": 640, "height": 360)";
+        QTest::newRow("a video") << reportWith(R"("codec_name": "vp9", )" + size) << true;
+        QTest::newRow("no report") << QByteArray() << false;
+        QTest::newRow("rubbish") << QByteArray("{") << false;
+        QTest::newRow("no streams") << QByteArray(R"({"streams": [], "format": {}})") << false;
+        QTest::newRow("an error beside a video")
+            << reportWith(R"("codec_name": "vp9", )" + size, R"(, "error": {"code": -1})") << false;
+        QTest::newRow("encrypted") << reportWith(size) << false;
+        QTest::newRow("a still picture only")
+            << QByteArray(
+                   R"({"streams": [{"codec_type": "video", "codec_name": "png", "avg_frame_rate": "0/0",
+                            "width": 64, "height": 64}]})")
+            << false;
+        QTest::newRow("sound only") << QByteArray(
+                                           R"({"streams": [{"codec_type": "audio", "codec_name": "aac"}]})")
+                                    << false;
+        QTest::newRow("width 0") << reportWith(R"("codec_name": "vp9", "width": 0, "height": 360)") << false;
+        QTest::newRow("height 0") << reportWith(R"("codec_name": "vp9", "width": 640, "height": 0)") << true;
+        QTest::newRow("h264 without a width")
+            << reportWith(R"("codec_name": "h264", "height": 360)") << false;
+        QTest::newRow("h264 without a height")
+            << reportWith(R"("codec_name": "h264", "width": 640)") << false;
+    }
+    void whatIsNoPlayableVideoIsRefused()
+    {
+        QFETCH(QByteArray, report);
+        QFETCH(bool, accepted);
+        setPrintTarget(PrintTarget::nowhere);
+        app->openSize(320, 180);
+        app->letProberReport(report);
+        app->drop(app->makeFile(u"other.mp4"_s));
+        setPrintTarget(PrintTarget::standardOutput);
+        QCOMPARE(app->delegate.saveBTN->isEnabled(), accepted);
+        QCOMPARE(app->alert() == nullptr, accepted);
+        if (accepted) return;
+        QCOMPARE(app->alertText(), unsupportedAlert);
+        QCOMPARE(app->alertButtons(), QStringList{u"OK"_s});
+        QCOMPARE(app->delegate.inputLBL->text(), u"Input: 0 x 0"_s);
+        QVERIFY(!app->delegate.sizeSLDR->isEnabled() && !app->delegate.widthTF->isEnabled());
+        QCOMPARE(*app->delegate.globalFP->fileFullPath, app->folder.filePath(u"other.mp4"_s));
+        QCOMPARE(app->window.windowTitle(), u"Tessaly"_s);
+    }
+
+    void aRefusedFileLeavesThePictureOfTheOneBefore()
+    {
+        app->letConverterMakeStills();
+        app->openSize(320, 180);
+        const QImage before = app->delegate.posterView->image();
+        QVERIFY(!before.isNull());
+        app->drop(app->makeFile(u"clip.vob"_s));
+        QCOMPARE(app->delegate.posterView->image(), before);
+    }
+
+    void alertsAreAnsweredByReturnAndByEscape()
+    {
+        for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Escape}) {
+            app->drop(app->makeFile(u"clip.vob"_s));
+            QVERIFY(app->alert());
+            QTest::keyClick(app->alert(), key);
+            QTRY_VERIFY(!app->alert());
+        }
+    }
+
+    void aDropUnderAnAlertIsAccepted()
+    {
+        app->drop(app->makeFile(u"clip.vob"_s));
+        QVERIFY(app->alert());
+        app->openSize(640, 360);
+        QCOMPARE(app->delegate.inputLBL->text(), u"Input: 640 x 360"_s);
+    }
+
+    void menuAndToolBarShowTheSamePanel()
+    {
+        app->letProberReport(640, 360);
+        const QString path = app->makeFile(u"clip.mov"_s);
+        for (const auto entry : {&AppDelegate::openMenuBTNClicked, &AppDelegate::openToolBarBTNClicked}) {
+            app->delegate.resetInterface();
+            (app->delegate.*entry)(nullptr);
+            QTRY_VERIFY(panel());
+            QCOMPARE(panel()->fileMode(), QFileDialog::ExistingFile);
+            app->choose(path);
+            QTRY_COMPARE(app->delegate.inputLBL->text(), u"Input: 640 x 360"_s);
+            QVERIFY(!panel());
+        }
+    }
+
+    void thePanelComesByTheShortcutAndCancelKeepsTheState()
+    {
+        app->openSize(640, 360);
+        QTest::keyClick(&app->window, Qt::Key_O, Qt::ControlModifier);
+        QTRY_VERIFY(panel());
+        QTest::keyClick(panel(), Qt::Key_Escape);
+        QTRY_VERIFY(!panel());
+        QCOMPARE(app->delegate.inputLBL->text(), u"Input: 640 x 360"_s);
+        QVERIFY(app->delegate.saveBTN->isEnabled());
+    }
+
+    void thePanelOpensWhereTheLastVideoCameFrom()
+    {
+        QDir(app->folder.path()).mkdir(u"videos"_s);
+        app->letProberReport(640, 360);
+        app->drop(app->makeFile(u"videos/clip.mp4"_s));
+        app->delegate.openMenuBTNClicked(nullptr);
+        QTRY_VERIFY(panel());
+        QCOMPARE(panel()->directory().absolutePath(), app->folder.filePath(u"videos"_s));
+        QTest::keyClick(panel(), Qt::Key_Escape);
+        QTRY_VERIFY(!panel());
+    }
+
+    void aDropWhileAPanelIsUpIsRefused()
+    {
+        app->letProberReport(640, 360);
+        app->delegate.openMenuBTNClicked(nullptr);
+        QTRY_VERIFY(panel());
+        app->drop(app->makeFile(u"clip.mp4"_s));
+        QVERIFY(!app->delegate.globalFP);
+        QTest::keyClick(panel(), Qt::Key_Escape);
+        QTRY_VERIFY(!panel());
+        QVERIFY(!app->delegate.globalFP); // nor is it delivered later
+    }
+
+    void aNameThatIsNotUtf8IsRefusedClearly()
+    {
+        const QByteArray name = QFile::encodeName(app->folder.path()) + "/caf\xe9.mp4";
+        std::FILE *file = std::fopen(name.constData(), "w");
+        QVERIFY(file && std::fclose(file) == 0);
+        QMimeData data;
+        data.setData(u"text/uri-list"_s, "file://" + name.toPercentEncoding("/") + "\r\n");
+        AppHarness::sendDrop(app->delegate.posterView.get(), data);
+        QTRY_VERIFY(app->alert());
+        QVERIFY(app->alertText().contains("not valid UTF-8"_L1));
+        QVERIFY(!app->delegate.globalFP);
+    }
+
+    void whyTheProberGaveNothingStandsInTheStatusLine()
+    {
+        setPrintTarget(PrintTarget::nowhere);
+        app->tools.remove(u"sniffer"_s);
+        app->drop(app->makeFile(u"clip.mp4"_s));
+        setPrintTarget(PrintTarget::standardOutput);
+        QCOMPARE(app->alertText(), unsupportedAlert);
+        QVERIFY(app->find<QStatusBar>("statusBar")->currentMessage().contains("sniffer"_L1));
+    }
+
+    void namesAreShownLiterally_data()
+    {
+        QTest::addColumn<QString>("name");
+        for (const QString &name : {u"a[*]b.mp4"_s, u"<b>bold.mp4"_s, u"R&D.mp4"_s, u"two\nlines.mp4"_s,
+                                    u"100%d.mp4"_s, u"-dash.mp4"_s, u"clip."_s, u"\U0001F600.mp4"_s}) {
+            QTest::newRow(qPrintable(name)) << name;
+        }
+    }
+    void namesAreShownLiterally()
+    {
+        QFETCH(QString, name);
+        app->letProberReport(640, 360);
+        app->drop(app->makeFile(name));
+        // What the window manager is told: the text without Qt's placeholders.
+        QCOMPARE(app->window.windowHandle()->title(), name + u" - Tessaly"_s);
+        QCOMPARE(app->tools.calls(u"sniffer"_s).last().last(), app->folder.filePath(name));
+    }
+};
+
+TESSALY_GUI_TEST_MAIN(TestOpenVideo)
+#include "open_video_test.moc"

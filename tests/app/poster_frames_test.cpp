@@ -1,0 +1,242 @@
+// The stills of the open video, and the window while they are made.
+#include "app/app_harness.h"
+#include "platform/printing.h"
+#include "platform/temporary_directory.h"
+#include "support/test_case.h"
+
+#include <QPaintEvent>
+#include <QTimer>
+
+using namespace tessaly;
+using namespace tessaly::test;
+using namespace Qt::StringLiterals;
+
+class TestPosterFrames : public TestCase
+{
+    Q_OBJECT
+
+private:
+    std::unique_ptr<AppHarness> app;
+
+    void letEveryFrameTake(int milliseconds)
+    {
+        app->letConverterMakeStills();
+        app->tools.setSteps(u"creator"_s, {{u"pause"_s, QString::number(milliseconds)},
+                                           {u"copy-to-output"_s, app->folder.filePath(u"still.jpg"_s)}});
+    }
+
+    static QString frame(int number) { return NSTemporaryDirectory() + u"/Images/out%1.jpg"_s.arg(number); }
+
+private Q_SLOTS:
+    void init()
+    {
+        TestCase::init();
+        app = std::make_unique<AppHarness>();
+    }
+    void cleanup() { app.reset(); }
+
+    void theConverterRunsElevenTimesWithExactlyTheseArguments()
+    {
+        app->letConverterMakeStills();
+        app->letProberReport(640, 360, u"30"_s);
+        const QString path = app->makeFile(u"clip.mp4"_s);
+        app->drop(path);
+        const QList<QStringList> calls = app->tools.calls(u"creator"_s);
+        QCOMPARE(calls.size(), 11);
+        const QStringList positions{u"2.5"_s,  u"5.0"_s,  u"7.5"_s,  u"10.0"_s, u"12.5"_s, u"15.0"_s,
+                                    u"17.5"_s, u"20.0"_s, u"22.5"_s, u"25.0"_s, u"27.5"_s};
+        for (int number = 1; number <= 11; ++number) {
+            const QStringList expected{u"-v"_s, u"quiet"_s,   u"-ss"_s,       positions[number - 1],
+                                       u"-i"_s, path,         u"-frames:v"_s, u"1"_s,
+                                       u"-y"_s, frame(number)};
+            QCOMPARE(calls.at(number - 1), expected);
+            QVERIFY(QFile::exists(frame(number)));
+        }
+    }
+
+    void aDurationOfZeroAsksForTheFirstFrame()
+    {
+        app->letProberReport(640, 360, u"0"_s);
+        app->drop(app->makeFile(u"clip.mp4"_s));
+        for (const QStringList &call : app->tools.calls(u"creator"_s))
+            QCOMPARE(call.at(3), u"0.0"_s);
+    }
+
+    void framesOfTheVideoBeforeAreGone()
+    {
+        app->letConverterMakeStills();
+        app->openSize(640, 360);
+        QVERIFY(QFile::exists(frame(11)));
+        app->tools.setBehaviour(u"creator"_s, u"exit"_s, {u"1"_s});
+        app->openSize(320, 180);
+        QVERIFY(!QFile::exists(frame(11)));
+        QVERIFY(app->delegate.posterView->image().isNull());
+        QVERIFY(app->find<QLabel>("dropHintLBL")->isVisible());
+        QVERIFY(app->delegate.saveBTN->isEnabled()); // a video without stills can be resized all the same
+    }
+
+    void aFrameThatCannotBeMadeIsMissingAndTheOthersCome()
+    {
+        app->letConverterMakeStills();
+        app->tools.setSteps(u"creator"_s, {{u"fail-at-call"_s, u"6"_s},
+                                           {u"copy-to-output"_s, app->folder.filePath(u"still.jpg"_s)}});
+        app->openSize(640, 360);
+        QCOMPARE(app->tools.calls(u"creator"_s).size(), 11);
+        QVERIFY(!QFile::exists(frame(6)));
+        QVERIFY(app->delegate.posterView->image().isNull()); // the sixth is shown first
+        app->delegate.posterPositionSlider->setFocus();
+        QTest::keyClick(app->delegate.posterPositionSlider.get(), Qt::Key_Right);
+        QCOMPARE(app->delegate.posterPositionSlider->intValue(), 7);
+        QVERIFY(!app->delegate.posterView->image().isNull());
+    }
+
+    void withoutAConverterTheVideoOpensWithoutFrames()
+    {
+        app->tools.remove(u"creator"_s);
+        app->openSize(640, 360);
+        QVERIFY(app->delegate.saveBTN->isEnabled());
+        QVERIFY(!app->delegate.progressWindow->isVisible());
+        QVERIFY(app->delegate.posterView->image().isNull());
+    }
+
+    void theSliderFlipsBetweenTheFrames()
+    {
+        QImage still(32, 18, QImage::Format_RGB32);
+        app->letConverterMakeStills();
+        app->openSize(640, 360);
+        for (int number = 1; number <= 11; ++number) {
+            still.fill(QColor(number * 20, 0, 0));
+            QVERIFY(still.save(frame(number), nullptr, 100));
+        }
+        app->delegate.posterPositionSlider->setFocus();
+        QTest::keyClick(app->delegate.posterPositionSlider.get(), Qt::Key_Home);
+        QCOMPARE(app->delegate.posterPositionSlider->intValue(), 1);
+        const auto red = [this] { return app->delegate.posterView->image().pixelColor(5, 5).red(); };
+        QVERIFY(std::abs(red() - 20) < 4);
+        QTest::keyClick(app->delegate.posterPositionSlider.get(), Qt::Key_End);
+        QVERIFY(std::abs(red() - 220) < 4);
+    }
+
+    void aNumberWithoutAFileEmptiesTheView_data()
+    {
+        QTest::addColumn<int>("number");
+        QTest::newRow("before the first") << 0;
+        QTest::newRow("behind the last") << 12;
+    }
+    void aNumberWithoutAFileEmptiesTheView()
+    {
+        QFETCH(int, number);
+        app->letConverterMakeStills();
+        app->openSize(640, 360);
+        QVERIFY(!app->delegate.posterView->image().isNull());
+        app->delegate.showPosterFrame(number);
+        QVERIFY(app->delegate.posterView->image().isNull());
+    }
+
+    void theSheetFollowsTheWork()
+    {
+        letEveryFrameTake(30);
+        QStringList seen;
+        QTimer observer;
+        connect(&observer, &QTimer::timeout, this, [&] {
+            if (!app->delegate.progressWindow->isVisible()) return;
+            if (!seen.contains(app->delegate.progressTitle->text()))
+                seen += app->delegate.progressTitle->text();
+            const QString percent = QString::number(app->delegate.progressBar->doubleValue());
+            if (seen.last() != percent) seen += percent;
+            QVERIFY(!app->delegate.progressCancel->isVisible());
+        });
+        observer.start(5);
+        runInLoop([this] { app->openSize(640, 360); });
+        QCOMPARE(seen.first(), u"Analyzing Video..."_s);
+        for (int percent = 0; percent < 100; percent += 10)
+            QVERIFY2(seen.contains(QString::number(percent)), qPrintable(seen.join(u' ')));
+        QVERIFY(!app->delegate.progressWindow->isVisible());
+        QCOMPARE(app->delegate.progressBar->doubleValue(), 0.0);
+        QVERIFY(!app->delegate.progressCancel->isHidden());
+    }
+
+    void whatThePersonDoesMeanwhileIsThrownAway()
+    {
+        letEveryFrameTake(30);
+        const QString other = app->makeFile(u"other.mp4"_s);
+        bool done = false;
+        QTimer::singleShot(150, this, [&] {
+            QVERIFY(app->delegate.progressWindow->isVisible());
+            QTest::keyClick(&app->window, Qt::Key_F1);
+            QTest::keyClick(&app->window, Qt::Key_O, Qt::ControlModifier);
+            QTest::keyClick(app->delegate.progressWindow.get(), Qt::Key_Escape);
+            app->drop(other);
+            QVERIFY(app->delegate.progressWindow->isVisible());
+            done = true;
+        });
+        runInLoop([this] { app->openSize(640, 360); });
+        QVERIFY(done);
+        QCoreApplication::processEvents();
+        QVERIFY(!app->alert() && !app->panel());
+        QCOMPARE(*app->delegate.globalFP->fileFullPath, app->folder.filePath(u"clip.mp4"_s));
+        QCOMPARE(app->tools.calls(u"sniffer"_s).size(), 1);
+    }
+
+    void inputWhileTheProbeRunsIsThrownAway()
+    {
+        app->tools.setSteps(u"sniffer"_s, {{u"pause"_s, u"300"_s}, {u"open-brace"_s}});
+        setPrintTarget(PrintTarget::nowhere);
+        QTimer::singleShot(100, this, [&] {
+            QTest::keyClick(&app->window, Qt::Key_F1);
+            app->drop(app->makeFile(u"other.mp4"_s));
+        });
+        runInLoop([this] { app->drop(app->makeFile(u"clip.mp4"_s)); });
+        setPrintTarget(PrintTarget::standardOutput);
+        QCOMPARE(app->tools.calls(u"sniffer"_s).size(), 1);
+        QVERIFY(app->alertText().startsWith("Seems to be"_L1));
+    }
+
+    void theWindowRepaintsMeanwhile()
+    {
+        letEveryFrameTake(30);
+        int paints = 0;
+        struct PaintCounter : QObject
+        {
+            int &count;
+            explicit PaintCounter(int &counted) : count(counted) {}
+            bool eventFilter(QObject *, QEvent *event) override
+            {
+                if (event->type() == QEvent::Paint) ++count;
+                return false;
+            }
+        } counter(paints);
+        app->delegate.posterView->installEventFilter(&counter);
+        QTimer nudge;
+        connect(&nudge, &QTimer::timeout, this, [this] { app->delegate.posterView->update(); });
+        nudge.start(20);
+        runInLoop([this] { app->openSize(640, 360); });
+        QVERIFY2(paints > 5, qPrintable(QString::number(paints)));
+    }
+
+    void aLargeStillIsReadSmaller()
+    {
+        app->letConverterMakeStills();
+        app->openSize(640, 360);
+        QImage still(5000, 100, QImage::Format_RGB32);
+        still.fill(Qt::blue);
+        QVERIFY(still.save(frame(6)));
+        app->delegate.showPosterFrame(6);
+        QCOMPARE(app->delegate.posterView->image().size(), QSize(3840, 76));
+    }
+
+private:
+    // As when the program runs: the work is done inside an event loop.
+    void runInLoop(const std::function<void()> &work)
+    {
+        QEventLoop loop;
+        QTimer::singleShot(0, &loop, [&] {
+            work();
+            loop.quit();
+        });
+        loop.exec();
+    }
+};
+
+TESSALY_GUI_TEST_MAIN(TestPosterFrames)
+#include "poster_frames_test.moc"

@@ -1,0 +1,288 @@
+#include "jobs/output_guard.h"
+#include "support/test_case.h"
+
+#include <QDateTime>
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+
+#include <fcntl.h>
+#include <memory>
+#include <sys/stat.h>
+#include <unistd.h>
+
+using namespace tessaly;
+using namespace Qt::StringLiterals;
+
+namespace {
+
+void write(const QString &path, const QByteArray &bytes)
+{
+    QFile file(path);
+    QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
+    QCOMPARE(file.write(bytes), bytes.size());
+}
+
+QByteArray contents(const QString &path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("(missing)");
+}
+
+constexpr qint64 second = 1'000'000'000; // nanoseconds
+
+void setModified(const QString &path, qint64 nanoseconds)
+{
+    const timespec times[2] = {{0, UTIME_OMIT}, {nanoseconds / second, nanoseconds % second}};
+    QCOMPARE(utimensat(AT_FDCWD, QFile::encodeName(path).constData(), times, 0), 0);
+}
+
+class TestOutputGuard : public test::TestCase
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase() { makeFolder(); }
+    void cleanup() { makeFolder(); }
+    void removesWhatTheJobCreated();
+    void removesAnEmptyFileOfTheJob();
+    void keepsAFileThatTheJobNeverTouched();
+    void removesAFileThatTheJobEmptied();
+    void seesEachKindOfTouch_data();
+    void seesEachKindOfTouch();
+    void hasNothingToDoWhenNothingIsThere();
+    void keepsALinkAndRemovesWhatTheJobWroteThroughIt_data();
+    void keepsALinkAndRemovesWhatTheJobWroteThroughIt();
+    void keepsALinkThatSomebodyElseMade();
+    void keepsWhatIsNoOrdinaryFile_data();
+    void keepsWhatIsNoOrdinaryFile();
+    void neverRemovesTheInput_data();
+    void neverRemovesTheInput();
+    void saysWhenSomethingStays();
+
+private:
+    void makeFolder();
+
+    std::unique_ptr<QTemporaryDir> folder;
+    QString input;
+    QString output;
+};
+
+void TestOutputGuard::makeFolder()
+{
+    folder = std::make_unique<QTemporaryDir>();
+    input = folder->filePath(u"input.mkv"_s);
+    output = folder->filePath(u"line\nbreak %d é.mp4"_s);
+    write(input, "the input");
+}
+
+void TestOutputGuard::removesWhatTheJobCreated()
+{
+    const OutputGuard guard(output, input);
+    QVERIFY(!guard.wasTouched());
+    write(output, "half a video");
+    QVERIFY(guard.wasTouched());
+    QVERIFY(guard.removeIfTouched());
+    QVERIFY(!QFile::exists(output));
+    QVERIFY(!guard.wasTouched());
+}
+
+void TestOutputGuard::removesAnEmptyFileOfTheJob()
+{
+    const OutputGuard guard(output, input);
+    write(output, "");
+    QVERIFY(guard.removeIfTouched());
+    QVERIFY(!QFile::exists(output));
+}
+
+void TestOutputGuard::keepsAFileThatTheJobNeverTouched()
+{
+    write(output, "an older video");
+    const OutputGuard guard(output, input);
+    QVERIFY(!guard.wasTouched());
+    QVERIFY(guard.removeIfTouched());
+    QCOMPARE(contents(output), "an older video");
+}
+
+void TestOutputGuard::removesAFileThatTheJobEmptied()
+{
+    write(output, "an older video");
+    const OutputGuard guard(output, input);
+    write(output, "");
+    QVERIFY(guard.wasTouched());
+    QVERIFY(guard.removeIfTouched());
+    QVERIFY(!QFile::exists(output));
+}
+
+void TestOutputGuard::seesEachKindOfTouch_data()
+{
+    QTest::addColumn<QByteArray>("bytes");
+    QTest::addColumn<qint64>("nanoseconds");
+    QTest::addColumn<bool>("replaced");
+    QTest::addColumn<bool>("touched");
+    QTest::newRow("none") << QByteArray("old") << qint64(500) << false << false;
+    QTest::newRow("size") << QByteArray("older") << qint64(500) << false << true;
+    QTest::newRow("time, by a nanosecond") << QByteArray("old") << qint64(501) << false << true;
+    QTest::newRow("time, by a second") << QByteArray("old") << second + 500 << false << true;
+    QTest::newRow("another inode") << QByteArray("old") << qint64(500) << true << true;
+}
+
+void TestOutputGuard::seesEachKindOfTouch()
+{
+    QFETCH(QByteArray, bytes);
+    QFETCH(qint64, nanoseconds);
+    QFETCH(bool, replaced);
+    write(output, "old");
+    setModified(output, 500);
+    const OutputGuard guard(output, input);
+    if (replaced) {
+        const QString other = folder->filePath(u"other"_s);
+        write(other, bytes);
+        QCOMPARE(::rename(QFile::encodeName(other).constData(), QFile::encodeName(output).constData()), 0);
+    } else {
+        write(output, bytes);
+    }
+    setModified(output, nanoseconds);
+    QTEST(guard.wasTouched(), "touched");
+    QVERIFY(guard.removeIfTouched());
+    QTEST(!QFile::exists(output), "touched");
+}
+
+void TestOutputGuard::hasNothingToDoWhenNothingIsThere()
+{
+    const OutputGuard nothing(output, input);
+    QVERIFY(!nothing.wasTouched());
+    QVERIFY(nothing.removeIfTouched());
+
+    write(output, "an older video");
+    const OutputGuard gone(output, input);
+    QFile::remove(output);
+    QVERIFY(!gone.wasTouched());
+    QVERIFY(gone.removeIfTouched());
+
+    const OutputGuard nowhere(folder->filePath(u"no/such/folder.mp4"_s), folder->filePath(u"no/input"_s));
+    QVERIFY(!nowhere.wasTouched());
+    QVERIFY(nowhere.removeIfTouched());
+}
+
+void TestOutputGuard::keepsALinkAndRemovesWhatTheJobWroteThroughIt_data()
+{
+    QTest::addColumn<bool>("targetIsThere");
+    QTest::newRow("link to a file") << true;
+    QTest::newRow("link to nothing") << false;
+}
+
+void TestOutputGuard::keepsALinkAndRemovesWhatTheJobWroteThroughIt()
+{
+    QFETCH(bool, targetIsThere);
+    const QString target = folder->filePath(u"target.mp4"_s);
+    if (targetIsThere) write(target, "an older video");
+    QVERIFY(QFile::link(u"target.mp4"_s, output));
+
+    const OutputGuard guard(output, input);
+    QVERIFY(guard.removeIfTouched());
+    QCOMPARE(contents(target), targetIsThere ? "an older video" : "(missing)");
+
+    write(output, "half a video");
+    QVERIFY(guard.removeIfTouched());
+    QVERIFY(!QFile::exists(target));
+    QVERIFY(QFileInfo(output).isSymLink());
+}
+
+void TestOutputGuard::keepsALinkThatSomebodyElseMade()
+{
+    const QString target = folder->filePath(u"target.mp4"_s);
+    const OutputGuard guard(output, input);
+    write(target, "somebody's file");
+    QVERIFY(QFile::link(target, output));
+    QVERIFY(guard.wasTouched());
+    QVERIFY(guard.removeIfTouched());
+    QCOMPARE(contents(target), "somebody's file");
+    QVERIFY(QFileInfo(output).isSymLink());
+}
+
+void TestOutputGuard::keepsWhatIsNoOrdinaryFile_data()
+{
+    QTest::addColumn<QString>("kind");
+    QTest::addColumn<bool>("thereBefore");
+    for (const char *kind : {"folder", "pipe", "link to a pipe"}) {
+        QTest::addRow("%s, there before", kind) << QString::fromLatin1(kind) << true;
+        QTest::addRow("%s, new", kind) << QString::fromLatin1(kind) << false;
+    }
+}
+
+void TestOutputGuard::keepsWhatIsNoOrdinaryFile()
+{
+    QFETCH(QString, kind);
+    QFETCH(bool, thereBefore);
+    const auto make = [&] {
+        if (kind == u"folder") QVERIFY(QDir().mkdir(output));
+        const QString pipe = kind == u"pipe" ? output : folder->filePath(u"pipe"_s);
+        if (kind != u"folder") QCOMPARE(::mkfifo(QFile::encodeName(pipe).constData(), 0600), 0);
+        if (kind == u"link to a pipe") QVERIFY(QFile::link(pipe, output));
+    };
+    if (thereBefore) make();
+    const OutputGuard guard(output, input);
+    if (!thereBefore) make();
+    setModified(output, 500);
+    QVERIFY(guard.wasTouched());
+    QVERIFY(guard.removeIfTouched());
+    QVERIFY(QFileInfo::exists(output));
+}
+
+void TestOutputGuard::neverRemovesTheInput_data()
+{
+    QTest::addColumn<QString>("way");
+    QTest::newRow("same path") << u"same"_s;
+    QTest::newRow("hard link") << u"hard"_s;
+    QTest::newRow("symbolic link") << u"symbolic"_s;
+    QTest::newRow("input moved to the target meanwhile") << u"moved"_s;
+    QTest::newRow("target moved to the input's place meanwhile") << u"swapped"_s;
+}
+
+void TestOutputGuard::neverRemovesTheInput()
+{
+    QFETCH(QString, way);
+    const QByteArray from = QFile::encodeName(input);
+    const QByteArray to = QFile::encodeName(output);
+    if (way == u"same") output = input;
+    if (way == u"hard") QCOMPARE(::link(from.constData(), to.constData()), 0);
+    if (way == u"symbolic") QVERIFY(QFile::link(input, output));
+    const OutputGuard guard(output, input);
+    if (way == u"moved") QCOMPARE(::rename(from.constData(), to.constData()), 0);
+    if (way == u"swapped") {
+        write(output, "new");
+        QVERIFY(QFile::remove(input));
+        QCOMPARE(::link(to.constData(), from.constData()), 0);
+    }
+    if (way != u"moved") write(input, "changed");
+    QVERIFY(guard.wasTouched());
+    QVERIFY(guard.removeIfTouched());
+    QCOMPARE(contents(output), way == u"moved" ? "the input" : "changed");
+}
+
+void TestOutputGuard::saysWhenSomethingStays()
+{
+    const QString closed = folder->filePath(u"closed"_s);
+    QVERIFY(QDir().mkdir(closed));
+    const OutputGuard guard(closed + u"/out.mp4"_s, input);
+    write(closed + u"/out.mp4"_s, "half a video");
+    QCOMPARE(::chmod(QFile::encodeName(folder->path()).constData(), 0755), 0);
+    QCOMPARE(::chmod(QFile::encodeName(closed).constData(), 0555), 0);
+
+    const bool isRoot = ::geteuid() == 0; // whom no mode keeps out
+    if (isRoot) QCOMPARE(::seteuid(65534), 0);
+    const bool removed = guard.removeIfTouched();
+    if (isRoot) QCOMPARE(::seteuid(0), 0);
+
+    QVERIFY(!removed);
+    QVERIFY(QFile::exists(closed + u"/out.mp4"_s));
+    QCOMPARE(::chmod(QFile::encodeName(closed).constData(), 0755), 0);
+    QVERIFY(guard.removeIfTouched());
+    QVERIFY(!QFile::exists(closed + u"/out.mp4"_s));
+}
+
+} // namespace
+
+TESSALY_TEST_MAIN(TestOutputGuard)
+#include "output_guard_test.moc"

@@ -1,6 +1,7 @@
 // Ends of a conversion before its time.
 #include "e2e/end_to_end_case.h"
 #include "e2e/processes.h"
+#include "e2e/screen_reader.h"
 #include "e2e/tasks.h"
 
 #include <csignal>
@@ -18,6 +19,7 @@ private Q_SLOTS:
     void endsSoonWhenAskedToWhileConverting_data();
     void endsSoonWhenAskedToWhileConverting();
     void tellsThatTheConverterWasKilled();
+    void tellsScreenReadersOfTheProgressAtACalmPace();
 
 private:
     // A launched copy in the middle of a conversion to that file.
@@ -99,6 +101,23 @@ void CancellingTest::tellsThatTheConverterWasKilled()
     QVERIFY(tessaly.click(Role::button, u"OK"_s));
     QTRY_VERIFY(!tessaly.shows(Role::alert));
     QVERIFY(tessaly.isEnabled(Role::button, u"Save"_s));
+}
+
+void CancellingTest::tellsScreenReadersOfTheProgressAtACalmPace()
+{
+    Program &tessaly = launch();
+    QVERIFY(openVideo(tessaly, clip(u"long.mp4"_s), u"1280 x 720"_s));
+    QVERIFY(setPercent(tessaly, 200)); // takes long enough on every machine
+    const ScreenReader reader(desktop().accessibilityBus());
+    QVERIFY(chooseOutput(tessaly, file(u"told.mp4"_s)));
+    const QList<Announcement> &told = reader.announcements();
+    QTRY_COMPARE_WITH_TIMEOUT(told.size(), 2, workTime);
+    QCOMPARE(told.at(0).teller, u"Resizing Video..."_s);
+    QCOMPARE_GT(told.at(0).value, 0.0);
+    QCOMPARE_GT(told.at(1).value, told.at(0).value);
+    QCOMPARE_GT(told.at(1).time - told.at(0).time, 4000); // milliseconds
+    QVERIFY(tessaly.press({u"Escape"_s}));
+    QTRY_VERIFY_WITH_TIMEOUT(!tessaly.shows(Role::label, u"Resizing Video..."_s), workTime);
 }
 
 TESSALY_TEST_MAIN(CancellingTest)

@@ -98,6 +98,7 @@ void Desktop::startBuses()
         QDBusConnection::connectToBus(answer.arguments().constFirst().toString(), accessibilityConnection);
     if (!m_accessibilityBus->isConnected()) m_problem = u"the accessibility bus takes no connection"_s;
     m_environment.insert(u"DBUS_SESSION_BUS_ADDRESS"_s, address);
+    m_environment.insert(u"DBUS_SYSTEM_BUS_ADDRESS"_s, address);
 }
 
 QString Desktop::temporaryFolder() const

@@ -16,6 +16,8 @@ void TestCase::init()
 void prepareProcess()
 {
     if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
+    for (const char *bus : {"DBUS_SESSION_BUS_ADDRESS", "DBUS_SYSTEM_BUS_ADDRESS"})
+        qputenv(bus, "unix:path=/nonexistent/bus");
     QHashSeed::setDeterministicGlobalSeed();
     QStandardPaths::setTestModeEnabled(true);
 }

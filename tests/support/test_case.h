@@ -1,9 +1,10 @@
 // The known state that every test starts from. A test class derives from TestCase and ends its source with
 // TESSALY_TEST_MAIN(Class) or, when it needs widgets, TESSALY_GUI_TEST_MAIN(Class).
 //
-// The state: no display (offscreen platform), a fixed hash seed, settings and caches in test folders of their
-// own, and every warning that Qt prints without being announced by QTest::ignoreMessage fails the test
-// function (but for those about what the platform without a display cannot do).
+// The state: no display (offscreen platform), no desktop services (both message buses lead nowhere), a fixed
+// hash seed, settings and caches in test folders of their own, and every warning that Qt prints without being
+// announced by QTest::ignoreMessage fails the test function (but for those about what the platform without a
+// display cannot do).
 #pragma once
 
 #include <QObject>

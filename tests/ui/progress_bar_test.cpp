@@ -10,6 +10,7 @@
 #include <limits>
 
 using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
 using namespace tessaly;
 
 namespace {
@@ -48,6 +49,24 @@ struct ShownBar : ProgressBar
     }
 };
 
+// What the bar announces from now on.
+class Announcements
+{
+public:
+    explicit Announcements(const ProgressBar &bar) : m_spy(&bar, &ProgressBar::announced) {}
+
+    QList<int> values() const
+    {
+        QList<int> values;
+        for (const QList<QVariant> &announced : m_spy)
+            values += announced.first().toInt();
+        return values;
+    }
+
+private:
+    QSignalSpy m_spy;
+};
+
 } // namespace
 
 class ProgressBarTest : public tessaly::test::TestCase
@@ -63,6 +82,10 @@ private Q_SLOTS:
     void becomesCalmAgain();
     void writesNoTextUnlessAsked();
     void tellsAssistiveTechnologyTheValue();
+    void announcesTheLatestValueAtACalmPace();
+    void announcesNoValueTwice();
+    void announcesNothingWhileHiddenOrBusy_data();
+    void announcesNothingWhileHiddenOrBusy();
 };
 
 void ProgressBarTest::givesBackWhatItWasGiven_data()
@@ -143,6 +166,8 @@ void ProgressBarTest::writesNoTextUnlessAsked()
     QVERIFY(!bar.isTextVisible());
     bar.setTextVisible(true);
     QCOMPARE(bar.text(), u"42%"_s);
+    bar.setDoubleValue(infinity);
+    QCOMPARE(bar.text(), QString());
 }
 
 void ProgressBarTest::tellsAssistiveTechnologyTheValue()
@@ -166,6 +191,65 @@ void ProgressBarTest::tellsAssistiveTechnologyTheValue()
     bar.setDoubleValue(infinity);
     QCOMPARE(value->currentValue().toDouble(), 0.0);
     QCOMPARE(interface->text(QAccessible::Value), QString());
+}
+
+void ProgressBarTest::announcesTheLatestValueAtACalmPace()
+{
+    ShownBar bar;
+    const Announcements announcements(bar);
+    bar.setAnnouncementPace(50ms);
+    for (int step = 1; step <= 300; ++step)
+        bar.setDoubleValue(step / 10.0);
+    QCOMPARE(announcements.values(), QList<int>());
+    QTRY_COMPARE(announcements.values(), QList<int>{30});
+    bar.setDoubleValue(31);
+    bar.setDoubleValue(900);
+    QTRY_COMPARE(announcements.values(), (QList<int>{30, 100}));
+}
+
+void ProgressBarTest::announcesNoValueTwice()
+{
+    ShownBar bar;
+    const Announcements announcements(bar);
+    bar.setAnnouncementPace(0ms);
+    for (const double value : {30.0, 30.2, 31.0}) {
+        bar.setDoubleValue(value);
+        QCoreApplication::processEvents();
+    }
+    QTRY_COMPARE(announcements.values(), (QList<int>{30, 31}));
+    bar.hide(); // the next time it shows other work
+    bar.show();
+    bar.setDoubleValue(31);
+    QTRY_COMPARE(announcements.values(), (QList<int>{30, 31, 31}));
+}
+
+void ProgressBarTest::announcesNothingWhileHiddenOrBusy_data()
+{
+    QTest::addColumn<double>("value");
+    QTest::addColumn<bool>("visible");
+    QTest::newRow("hidden") << 30.0 << false;
+    QTest::newRow("busy") << infinity << true;
+    QTest::newRow("not a number") << notANumber << true;
+}
+
+void ProgressBarTest::announcesNothingWhileHiddenOrBusy()
+{
+    QFETCH(double, value);
+    QFETCH(bool, visible);
+    ShownBar bar;
+    const Announcements announcements(bar);
+    bar.setAnnouncementPace(0ms);
+    bar.setVisible(visible);
+    bar.setDoubleValue(value);
+    QTimer later;
+    later.setSingleShot(true);
+    const QSignalSpy passed(&later, &QTimer::timeout);
+    later.start(20);
+    QTRY_COMPARE(passed.size(), 1);
+    QCOMPARE(announcements.values(), QList<int>());
+    bar.show();
+    bar.setDoubleValue(40);
+    QTRY_COMPARE(announcements.values(), QList<int>{40});
 }
 
 TESSALY_GUI_TEST_MAIN(ProgressBarTest)

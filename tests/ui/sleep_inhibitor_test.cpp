@@ -7,6 +7,7 @@
 #include <QDBusUnixFileDescriptor>
 
 #include <array>
+#include <fcntl.h>
 #include <optional>
 #include <poll.h>
 #include <unistd.h>
@@ -31,8 +32,9 @@ public:
     bool isHeld() const
     {
         pollfd seen{.fd = m_ourEnd, .events = POLLIN, .revents = 0};
-        return m_ourEnd >= 0 && ::poll(&seen, 1, 0) == 0;
+        return hasGivenALock() && ::poll(&seen, 1, 0) == 0;
     }
+    bool hasGivenALock() const { return m_ourEnd >= 0; }
     void answerNow()
     {
         m_theirs.send(m_asked.createReply(QVariant::fromValue(makeLock())));
@@ -65,7 +67,7 @@ private:
     QDBusUnixFileDescriptor makeLock()
     {
         std::array<int, 2> ends{};
-        if (::pipe(ends.data()) != 0) qFatal("no pipe");
+        if (::pipe2(ends.data(), O_CLOEXEC) != 0) qFatal("no pipe");
         if (m_ourEnd >= 0) ::close(m_ourEnd);
         m_ourEnd = ends[0];
         QDBusUnixFileDescriptor lock;
@@ -121,7 +123,7 @@ private Q_SLOTS:
             QTRY_VERIFY(m_manager.isAsked());
         }
         m_manager.answerNow();
-        QVERIFY(m_manager.isHeld());
+        QVERIFY(m_manager.hasGivenALock()); // it may be closed by now
         QTRY_VERIFY(!m_manager.isHeld());
     }
 

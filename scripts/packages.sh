@@ -1,3 +1,4 @@
+# shellcheck shell=bash
 # Sourced by ./run, ./test and .ci/run: says what it does, installs what is missing on Debian, and stops with a clear
 # message where it cannot.
 

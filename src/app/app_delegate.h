@@ -107,6 +107,7 @@ public:
     void openVideo(const QUrl &url);
     void enableInterface();
     void showInputResolution();
+    void showInputFacts(); // in the status line
 
     // Output size (output_size.cpp).
     void applyProportionalState();

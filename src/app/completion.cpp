@@ -37,7 +37,9 @@ void AppDelegate::showCompletionReport(const FileProbe &outputProbe, const RunOu
         return;
     }
     const FileProbe finalProbe(*outputProbe.fileFullPath);
-    window->showStatus(shorterThanInput(globalFP->duration, finalProbe.duration).value_or(QString()));
+    showInputFacts();
+    if (const auto shorter = shorterThanInput(globalFP->duration, finalProbe.duration))
+        window->showStatus(*shorter);
     Alert alert{.messageText = u"Video Resized Successfully!"_s,
                 .informativeText = completionText(*globalFP, outputProbe, finalProbe),
                 .style = Alert::Style::informational};

@@ -103,8 +103,12 @@ void AppDelegate::showInputResolution()
     heightTF->setIntegerValue(originalHeight);
     saveBTN->setEnabled(true);
 
-    const QString path = *globalFP->fileFullPath;
-    window->showFileName(path);
+    window->showFileName(*globalFP->fileFullPath);
+    showInputFacts();
+}
+
+void AppDelegate::showInputFacts()
+{
     window->showStatus(u"%1, %2"_s.arg(durationHuman(globalFP->duration), *globalFP->fileSizeHuman));
 }
 

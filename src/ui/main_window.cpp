@@ -89,7 +89,8 @@ void MainWindow::sizeFields()
         field->setAlignment(Qt::AlignRight);
         field->setFixedWidth(field->fontMetrics().horizontalAdvance(u"0000000"_s) + 24);
     }
-    m_form->percentLBL->setFixedWidth(m_form->percentLBL->fontMetrics().horizontalAdvance(u"200.0 %"_s) + 4);
+    QLabel *percent = m_form->percentLBL;
+    percent->setFixedWidth(percent->fontMetrics().horizontalAdvance(u"200.0 %"_s) + percent->indent() + 4);
 }
 
 // The slider's positions are as fine as the text.
@@ -128,7 +129,9 @@ void MainWindow::showDropHint(bool visible)
 
 void MainWindow::showStatus(const QString &text)
 {
-    m_form->statusBar->showMessage(text);
+    // A fact that begins with a number has no direction of its own.
+    constexpr QChar leftToRightMark(0x200e);
+    m_form->statusBar->showMessage(isRightToLeft() ? leftToRightMark + text : text);
 }
 
 } // namespace tessaly

@@ -69,6 +69,21 @@ private Q_SLOTS:
         QCOMPARE(app->window.windowFilePath(), app->folder.filePath(u"odd clip.mp4"_s));
     }
 
+    void theStatusLineReadsFromTheLeftInEveryLayout_data()
+    {
+        QTest::addColumn<Qt::LayoutDirection>("direction");
+        QTest::addColumn<QString>("status");
+        QTest::newRow("left to right") << Qt::LeftToRight << u"00:00:12.00, Zero KB"_s;
+        QTest::newRow("right to left") << Qt::RightToLeft << u"\u200e00:00:12.00, Zero KB"_s;
+    }
+    void theStatusLineReadsFromTheLeftInEveryLayout()
+    {
+        QFETCH(Qt::LayoutDirection, direction);
+        app->window.setLayoutDirection(direction);
+        app->openSize(640, 360);
+        QTEST(app->find<QStatusBar>("statusBar")->currentMessage(), "status");
+    }
+
     void openingAgainPutsEverythingBack()
     {
         app->openSize(640, 360);

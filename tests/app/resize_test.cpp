@@ -333,11 +333,19 @@ private Q_SLOTS:
     void aShorterOutputIsSaidInTheStatusLine()
     {
         open();
+        const auto *status = app->find<QStatusBar>("statusBar");
+        const QString facts = status->currentMessage();
         app->letProberReport(640, 360, u"5"_s);
         letConverter({{u"write-output"_s, u"video"_s}});
         app->saveTo(output());
         QTRY_VERIFY(app->alertText().startsWith("Video Resized Successfully!"_L1));
-        QVERIFY(!app->find<QStatusBar>("statusBar")->currentMessage().isEmpty());
+        QVERIFY2(status->currentMessage().contains("shorter"_L1), qPrintable(status->currentMessage()));
+        app->answerAlert();
+        app->letProberReport(640, 360, u"12"_s); // the next one is not
+        letConverter({{u"write-output"_s, u"video"_s}});
+        app->delegate.saveResponse(1, output());
+        QTRY_VERIFY(app->alertText().startsWith("Video Resized Successfully!"_L1));
+        QCOMPARE(status->currentMessage(), facts);
     }
 
     void aDropAndSaveWhileAJobRunsAreRefused()

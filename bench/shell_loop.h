@@ -1,0 +1,24 @@
+// What the program's child runs are held against: a shell that makes the same runs, one after the other.
+#pragma once
+
+#include "bench/measure.h"
+
+#include <QString>
+#include <QStringList>
+
+namespace tessaly::bench {
+
+class ShellLoop
+{
+public:
+    void addProbe(const QString &file); // as a probe of the program runs it
+    void addConverter(const QStringList &arguments);
+
+    // Makes all runs; the answer is in seconds.
+    double run() const;
+
+private:
+    std::string m_script;
+};
+
+} // namespace tessaly::bench

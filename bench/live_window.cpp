@@ -34,8 +34,10 @@ public:
     bool eventFilter(QObject *object, QEvent *event) override
     {
         if (event->type() != QEvent::Show) return false;
-        m_alert = qobject_cast<QMessageBox *>(object);
-        if (m_alert) m_loop.quit();
+        if (auto *alert = qobject_cast<QMessageBox *>(object)) {
+            m_alert = alert;
+            m_loop.quit();
+        }
         return false;
     }
 

@@ -26,7 +26,6 @@ public:
 private:
     static void tell(QSize size)
     {
-        QGuiApplication::sync(); // the display has done what it was asked for
         std::printf("painted %d x %d\n", size.width(), size.height());
         std::fflush(stdout);
     }

@@ -1,5 +1,6 @@
 // What a probe costs over the bare prober: both run in turns on the same file. Usage: bench_probe FILE
 #include "bench/measure.h"
+#include "bench/shell_loop.h"
 #include "platform/bundle.h"
 #include "probe/file_probe.h"
 
@@ -16,16 +17,9 @@ int main(int argc, char *argv[])
     const std::optional<QString> prober = pathForResource(QStringLiteral("sniffer"));
     require(prober.has_value(), "the prober is missing");
     // Its output read to the end: as little as any caller can do.
-    const std::vector<std::string> bare{prober->toStdString(),
-                                        "-v",
-                                        "quiet",
-                                        "-print_format",
-                                        "json",
-                                        "-show_format",
-                                        "-show_streams",
-                                        "-show_chapters",
-                                        "-show_error",
-                                        argv[1]};
+    std::vector<std::string> bare{prober->toStdString()};
+    for (const QString &word : probeArguments(file))
+        bare.push_back(word.toStdString());
     const Medians seconds = measureInTurns(
         41, [&file] { require(FileProbe(file).isValidMediaFile, "the file is no valid media file"); },
         [&bare] { require(!runChild(bare).output.empty(), "the prober gave nothing"); });

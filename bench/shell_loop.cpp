@@ -20,10 +20,22 @@ std::string line(const QString &tool, const QStringList &arguments)
 
 } // namespace
 
+QStringList probeArguments(const QString &file)
+{
+    return {u"-v"_s,
+            u"quiet"_s,
+            u"-print_format"_s,
+            u"json"_s,
+            u"-show_format"_s,
+            u"-show_streams"_s,
+            u"-show_chapters"_s,
+            u"-show_error"_s,
+            file};
+}
+
 void ShellLoop::addProbe(const QString &file)
 {
-    m_script += line(u"sniffer"_s, {u"-v"_s, u"quiet"_s, u"-print_format"_s, u"json"_s, u"-show_format"_s,
-                                    u"-show_streams"_s, u"-show_chapters"_s, u"-show_error"_s, file});
+    m_script += line(u"sniffer"_s, probeArguments(file));
 }
 
 void ShellLoop::addConverter(const QStringList &arguments)

@@ -8,10 +8,13 @@
 
 namespace tessaly::bench {
 
+// The prober's arguments in a probe of the program.
+QStringList probeArguments(const QString &file);
+
 class ShellLoop
 {
 public:
-    void addProbe(const QString &file); // as a probe of the program runs it
+    void addProbe(const QString &file);
     void addConverter(const QStringList &arguments);
 
     // Makes all runs; the answer is in seconds.

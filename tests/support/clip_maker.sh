@@ -1,3 +1,4 @@
+# shellcheck shell=bash
 # Sourced by the scripts that make clips from the converter's own generators, with their arguments: FOLDER FFMPEG [NAME].
 # Each clip is made once; with a NAME, only that one.
 script=$(realpath "$0")
@@ -5,7 +6,7 @@ folder=$1
 ffmpeg=$2
 only=${3:-}
 mkdir -p "$folder"
-cd "$folder"
+cd "$folder" || exit
 
 # make NAME ARGUMENTS…: written under another name first, so that an interrupted run leaves no half clip behind. Clips
 # that are older than their script are made again.

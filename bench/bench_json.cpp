@@ -1,23 +1,20 @@
 // Measures the JSON value against the parser library's own tree, on the same bytes and side by side in one
 // run.
+#include "bench/measure.h"
 #include "json/json.h"
 
-#include <algorithm>
-#include <chrono>
-#include <cstdio>
-#include <cstdlib>
-#include <fstream>
-#include <functional>
 #include <nlohmann/json.hpp>
 #include <sys/wait.h>
 #include <unistd.h>
 #include <vector>
 
 using namespace tessaly;
+using namespace tessaly::bench;
 
 namespace {
 
 constexpr std::size_t reportSize = 1'000'000; // bytes
+const std::string libraryTree = " (parser library's tree)";
 
 // A prober's report of many streams.
 std::string makeReport()
@@ -64,68 +61,13 @@ std::string makeReport()
     return text + "\n    ],\n    \"format\": {\"duration\": \"12.512500\", \"bit_rate\": \"800000\"}\n}\n";
 }
 
-double secondsOf(const std::function<void()> &work)
-{
-    const auto start = std::chrono::steady_clock::now();
-    work();
-    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-}
-
-double median(std::vector<double> values)
-{
-    std::sort(values.begin(), values.end());
-    return values[values.size() / 2];
-}
-
-// Both in turn, so that what disturbs the machine meets both.
-struct Medians
-{
-    double ours;
-    double library;
-};
-Medians measure(int rounds, const std::function<void()> &ours, const std::function<void()> &library)
-{
-    std::vector<double> oursSeconds;
-    std::vector<double> librarySeconds;
-    for (int i = 0; i < rounds; ++i) {
-        oursSeconds.push_back(secondsOf(ours));
-        librarySeconds.push_back(secondsOf(library));
-    }
-    return {median(oursSeconds), median(librarySeconds)};
-}
-
-void require(bool condition, const char *what)
-{
-    if (condition) return;
-    std::fprintf(stderr, "bench_json: %s\n", what);
-    std::exit(1);
-}
-
-// One row: what was measured, ours, the measure it is held against, ratio, bound.
-int row(const char *what, const std::string &ours, const std::string &against, double ratio, double bound)
-{
-    const bool holds = bound == 0 || ratio <= bound;
-    const char *verdict = bound == 0 ? "" : holds ? "holds" : "BROKEN";
-    const std::string boundText = bound == 0 ? "-" : "<= " + std::to_string(int(bound));
-    std::printf("%s\t%s\t%s\t%.2f\t%s\t%s\n", what, ours.c_str(), against.c_str(), ratio, boundText.c_str(),
-                verdict);
-    return holds ? 0 : 1;
-}
-
-std::string inUnit(double seconds, double unit, const char *name)
-{
-    char text[40];
-    std::snprintf(text, sizeof text, "%.2f %s", seconds / unit, name);
-    return text;
-}
-
 int benchReading(const std::string &text)
 {
-    const Medians seconds = measure(
+    const Medians seconds = measureInTurns(
         41, [&text] { require(JSON::fromBytes(text).count() == 2, "the report was not read"); },
         [&text] { require(nlohmann::json::parse(text).size() == 2, "the library did not read the report"); });
-    return row("read a 1 MB report", inUnit(seconds.ours, 1e-3, "ms"), inUnit(seconds.library, 1e-3, "ms"),
-               seconds.ours / seconds.library, 2);
+    return ratioRow("read a 1 MB report", inMilliseconds(seconds.ours),
+                    inMilliseconds(seconds.reference) + libraryTree, seconds.ours / seconds.reference, 2);
 }
 
 int benchLookup(const std::string &text)
@@ -136,7 +78,7 @@ int benchLookup(const std::string &text)
     const int streams = static_cast<int>(json["streams"].count());
     std::size_t found = 0;
     std::size_t foundByLibrary = 0;
-    const Medians seconds = measure(
+    const Medians seconds = measureInTurns(
         41,
         [&] {
             for (int i = 0; i < lookups; ++i)
@@ -149,19 +91,9 @@ int benchLookup(const std::string &text)
                                       .size();
         });
     require(found == foundByLibrary && found > 0, "the lookups did not find the same");
-    return row("look up a path of four steps", inUnit(seconds.ours / lookups, 1e-9, "ns"),
-               inUnit(seconds.library / lookups, 1e-9, "ns"), seconds.ours / seconds.library, 3);
-}
-
-// In bytes; the most that this process ever held in memory.
-double peakMemory()
-{
-    std::ifstream status("/proc/self/status");
-    for (std::string word; status >> word;) {
-        double kilobytes = 0;
-        if (word == "VmHWM:" && status >> kilobytes) return kilobytes * 1024;
-    }
-    return 0;
+    return ratioRow("look up a path of four steps", inUnit(seconds.ours / lookups, 1e-9, "ns"),
+                    inUnit(seconds.reference / lookups, 1e-9, "ns") + libraryTree,
+                    seconds.ours / seconds.reference, 3);
 }
 
 // What the work adds to the peak of a fresh process that holds the text.
@@ -196,10 +128,11 @@ int benchMemory(const std::string &text)
             addedPeak([&text] { require(nlohmann::json::parse(text).size() == 2, "not read"); }));
     }
     const double size = static_cast<double>(text.size());
-    return row("peak memory for 1 MB of text (library's tree beside it)", inUnit(median(ours), 1e6, "MB"),
-               inUnit(median(library), 1e6, "MB"), median(ours) / median(library), 0) +
-           row("peak memory over the size of the text", inUnit(median(ours), 1e6, "MB"),
-               inUnit(size, 1e6, "MB"), median(ours) / size, 0);
+    const double most = median(ours);
+    return ratioRow("peak memory for 1 MB of text", inMegabytes(most),
+                    inMegabytes(median(library)) + libraryTree, most / median(library), noBound) +
+           ratioRow("peak memory over the size of the text", inMegabytes(most), inMegabytes(size),
+                    most / size, noBound);
 }
 
 } // namespace

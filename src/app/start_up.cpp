@@ -1,7 +1,5 @@
 #include "app/start_up.h"
 
-#include "ui/symbol_icon.h"
-
 #include <QApplication>
 
 #include <cstdio>
@@ -41,7 +39,6 @@ void describe(QApplication &application)
     application.setApplicationDisplayName(u"Tessaly"_s);
     application.setApplicationVersion(QStringLiteral(TESSALY_VERSION));
     application.setDesktopFileName(u"tessaly"_s);
-    application.setWindowIcon(applicationIcon());
 }
 
 } // namespace

@@ -12,8 +12,8 @@ namespace tessaly {
 // window). The exit status when the program is to end with that.
 std::optional<int> answerCommandLine(int argc, char *argv[]);
 
-// The application object, named and with its icon. Without a screen this says so in one sentence and ends the
-// program with status 1. argc must live as long as the object.
+// The application object, named. Without a screen this says so in one sentence and ends the program with
+// status 1. argc must live as long as the object.
 std::unique_ptr<QApplication> startApplication(int &argc, char *argv[]);
 
 } // namespace tessaly

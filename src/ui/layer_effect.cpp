@@ -118,48 +118,57 @@ void LayerEffect::draw(QPainter *painter)
     QPoint origin;
     const QPixmap contents = sourcePixmap(Qt::LogicalCoordinates, &origin, NoPad);
     if (m_view->isWindow()) painter->fillRect(m_view->rect(), m_view->palette().window());
-    const QImage whole = picture(contents);
-    if (hasShadow(m_layer)) drawShadow(painter, whole);
-    painter->drawImage(origin, whole);
+    painter->setRenderHint(QPainter::Antialiasing);
+    painter->translate(origin);
+    if (clipsContents(m_layer)) {
+        drawClipped(painter, picture(contents));
+    } else if (hasShadow(m_layer)) {
+        const QImage whole = picture(contents);
+        drawShadow(painter, whole);
+        painter->drawImage(0, 0, whole);
+    } else {
+        drawParts(painter, contents);
+    }
+    painter->translate(-origin);
 }
 
-// Background, contents and border. When the contents are clipped all three are cut together, in one step, so
-// that nothing shines through at the edge.
 QImage LayerEffect::picture(const QPixmap &contents) const
 {
     QImage result(contents.size(), QImage::Format_ARGB32_Premultiplied);
     result.setDevicePixelRatio(contents.devicePixelRatio());
     result.fill(Qt::transparent);
-    const QRectF bounds = m_view->rect();
-    const QPainterPath rounded = roundedShape(bounds, m_layer.cornerRadius);
-    const bool clips = clipsContents(m_layer);
-    QPainterPath outline;
-    if (clips)
-        outline.addRect(bounds);
-    else
-        outline = rounded;
-
     QPainter painter(&result);
     painter.setRenderHint(QPainter::Antialiasing);
-    if (isVisible(m_layer.backgroundColor)) painter.fillPath(outline, *m_layer.backgroundColor);
-    painter.drawPixmap(0, 0, contents);
+    drawParts(&painter, contents);
+    return result;
+}
+
+void LayerEffect::drawParts(QPainter *painter, const QPixmap &contents) const
+{
+    const QRectF bounds = m_view->rect();
+    QPainterPath outline;
+    if (clipsContents(m_layer))
+        outline.addRect(bounds);
+    else
+        outline = roundedShape(bounds, m_layer.cornerRadius);
+
+    if (isVisible(m_layer.backgroundColor)) painter->fillPath(outline, *m_layer.backgroundColor);
+    painter->drawPixmap(0, 0, contents);
     if (hasBorder(m_layer)) {
         QPainterPath border = outline;
         border.addPath(insideOfBorder(m_layer, bounds)); // the inner path makes a hole
-        painter.fillPath(border, *m_layer.borderColor);
+        painter->fillPath(border, *m_layer.borderColor);
     }
-    if (clips) {
-        QImage mask(result.size(), QImage::Format_ARGB32_Premultiplied);
-        mask.setDevicePixelRatio(result.devicePixelRatio());
-        mask.fill(Qt::transparent);
-        QPainter maskPainter(&mask);
-        maskPainter.setRenderHint(QPainter::Antialiasing);
-        maskPainter.fillPath(rounded, Qt::black);
-        maskPainter.end();
-        painter.setCompositionMode(QPainter::CompositionMode_DestinationIn);
-        painter.drawImage(0, 0, mask);
-    }
-    return result;
+}
+
+// All parts are cut together, in one step, so that nothing shines through at the edge.
+void LayerEffect::drawClipped(QPainter *painter, QImage whole) const
+{
+    const double ratio = whole.devicePixelRatio();
+    whole.setDevicePixelRatio(1.0);
+    QBrush pattern(whole);
+    pattern.setTransform(QTransform::fromScale(1.0 / ratio, 1.0 / ratio));
+    painter->fillPath(roundedShape(m_view->rect(), m_layer.cornerRadius), pattern);
 }
 
 void LayerEffect::drawShadow(QPainter *painter, const QImage &picture)

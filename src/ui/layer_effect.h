@@ -31,7 +31,10 @@ protected:
     void draw(QPainter *painter) override;
 
 private:
+    // Background, contents and border, from the view's corner on.
+    void drawParts(QPainter *painter, const QPixmap &contents) const;
     QImage picture(const QPixmap &contents) const;
+    void drawClipped(QPainter *painter, QImage whole) const;
     void drawShadow(QPainter *painter, const QImage &picture);
 
     QWidget *m_view;

@@ -6,6 +6,7 @@
 #include "ui/view_styling.h"
 #include "ui_main_window.h"
 
+#include <QApplication>
 #include <QFileInfo>
 #include <QHBoxLayout>
 #include <QScreen>
@@ -30,6 +31,16 @@ MainWindow::MainWindow(QWidget *parent) : QMainWindow(parent), m_form(std::make_
 }
 
 MainWindow::~MainWindow() = default;
+
+void MainWindow::paintEvent(QPaintEvent *event)
+{
+    QMainWindow::paintEvent(event);
+    if (m_hasIcon) return;
+    m_hasIcon = true;
+    // Drawn from vectors in several sizes, for which the window's first picture does not wait.
+    QMetaObject::invokeMethod(
+        this, [] { QApplication::setWindowIcon(applicationIcon()); }, Qt::QueuedConnection);
+}
 
 // A form cannot put a slider into a tool bar.
 void MainWindow::addPosterSlider()

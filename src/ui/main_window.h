@@ -33,6 +33,9 @@ public:
     // A quiet fact in the status line, as plain text.
     void showStatus(const QString &text);
 
+protected:
+    void paintEvent(QPaintEvent *event) override;
+
 private:
     void addPosterSlider();
     void addIcons();
@@ -42,6 +45,7 @@ private:
     void fitScreen();
 
     std::unique_ptr<Ui::MainWindowForm> m_form;
+    bool m_hasIcon = false;
 };
 
 } // namespace tessaly

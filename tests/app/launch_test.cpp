@@ -59,6 +59,14 @@ private Q_SLOTS:
         QVERIFY(app.find<QLabel>("dropHintLBL")->isVisible());
     }
 
+    void theIconComesOnceTheWindowIsPainted()
+    {
+        QApplication::setWindowIcon({});
+        const AppHarness app;
+        QTRY_VERIFY(!app.window.windowIcon().isNull());
+        QVERIFY(!app.window.windowIcon().pixmap(64, 64).isNull());
+    }
+
     void resetLeavesWhatItIsNotToTouch()
     {
         AppHarness app;

@@ -2,27 +2,7 @@
 # Makes the clips that tests use, from the converter's own generators, once: make_media.sh FOLDER FFMPEG [NAME]
 # With a NAME, only that clip.
 set -euo pipefail
-script=$(realpath "$0")
-folder=$1
-ffmpeg=$2
-only=${3:-}
-mkdir -p "$folder"
-cd "$folder"
-
-# make NAME ARGUMENTS…: written under another name first, so that an interrupted run leaves no half clip behind. Clips
-# that are older than this script are made again.
-make() {
-    local name=$1
-    shift
-    [ "$name" -nt "$script" ] && return 0
-    echo "making $name"
-    rm -f "part.$name"
-    "$ffmpeg" -nostdin -hide_banner -loglevel error -y "$@" "part.$name"
-    mv "part.$name" "$name"
-}
-
-video() { echo "testsrc2=size=$1:rate=25:duration=$2"; }
-tone() { echo "sine=frequency=440:sample_rate=44100:duration=$1"; }
+. "$(dirname "$0")/clip_maker.sh"
 
 # A plain clip with sound: 640 x 360, two seconds.
 make plain.mp4 -f lavfi -i "$(video 640x360 2)" -f lavfi -i "$(tone 2)" -pix_fmt yuv420p -shortest

@@ -1,76 +1,11 @@
-#include "support/test_case.h"
-#include "ui/alert.h"
-
-#include <QApplication>
-#include <QLabel>
-#include <QMessageBox>
-#include <QPointer>
-#include <QPushButton>
-#include <QTextEdit>
-#include <QWindow>
-
-using namespace Qt::StringLiterals;
+#include "ui/alert_fixture.h"
 
 namespace tessaly {
 
-namespace {
+using namespace tessaly::test;
+using namespace Qt::StringLiterals;
 
-constexpr int noAnswer = 0;
-
-// A shown window and what the alerts on it answered, in order.
-struct Stage
-{
-    Stage()
-    {
-        window.setGeometry(100, 100, 500, 400);
-        window.show();
-    }
-
-    Alert alert(const QStringList &titles = {}) const
-    {
-        Alert result;
-        result.messageText = u"Message"_s;
-        result.informativeText = u"Information"_s;
-        for (const QString &title : titles)
-            result.addButtonWithTitle(title);
-        return result;
-    }
-
-    void begin(const Alert &alert)
-    {
-        alert.beginSheet(&window, [this](int response) { responses << response; });
-    }
-
-    // The alerts on the window, the last one begun last.
-    QList<QMessageBox *> boxes() const { return window.findChildren<QMessageBox *>(u"alert"_s); }
-    QMessageBox *box() const { return boxes().isEmpty() ? nullptr : boxes().last(); }
-
-    QWidget window;
-    QList<int> responses;
-};
-
-QPushButton *buttonOf(const QMessageBox *box, int response)
-{
-    return box->findChild<QPushButton *>(u"alertButton%1"_s.arg(response));
-}
-
-QLabel *labelOf(const QMessageBox *box, const QString &text)
-{
-    const QList<QLabel *> labels = box->findChildren<QLabel *>();
-    for (QLabel *label : labels)
-        if (label->text() == text) return label;
-    return nullptr;
-}
-
-// As from the keyboard: to the window, which passes it on to the view with the focus.
-void press(QWidget *window, Qt::Key key)
-{
-    QTest::keyClick(window->windowHandle(), key);
-}
-
-} // namespace
-
-class AlertTest : public test::TestCase
+class AlertTest : public TestCase
 {
     Q_OBJECT
 
@@ -89,27 +24,12 @@ private Q_SLOTS:
     void answersAfterTheSheetHasClosed();
     void needsNoCompletion();
     void saysWhenItWasEndedByCode();
-    void showsTextsAsTheyAre();
-    void stressesTheMessage();
-    void showsAmpersandsInButtons();
-    void letsTheDesktopPlaceTheButtons();
-    void showsDetailsWhenAsked();
-    void hasNoDetailsButtonWithoutDetails();
-    void tellsItsNameToAccessibility();
-    void showsAnIcon_data();
-    void showsAnIcon();
-    void showsTheApplicationsIcon();
     void stacksASecondAlertOnTheFirst();
     void mayBeginAnotherWhenAnswered();
     void mayDeleteTheWindowWhenAnswered();
     void survivesTheWindowsEnd();
     void survivesTheWindowsClose();
     void worksWithoutAWindow();
-    void liesOverItsWindow();
-    void fitsOnTheScreen_data();
-    void fitsOnTheScreen();
-    void breaksLongWords_data();
-    void breaksLongWords();
 };
 
 void AlertTest::opensAtOnceAsASheet()
@@ -294,127 +214,6 @@ void AlertTest::saysWhenItWasEndedByCode()
     QTRY_COMPARE(stage.responses, QList<int>{alertAbortedResponse});
 }
 
-void AlertTest::showsTextsAsTheyAre()
-{
-    Stage stage;
-    Alert alert = stage.alert();
-    alert.messageText = u"Cannot open <b>a & b</b>\n&amp; more"_s;
-    alert.informativeText = u"<a href=\"x\">Line 1</a>\nLine <i>2</i>"_s;
-    alert.detailsText = u"<b>details</b>\n&lt;"_s;
-    stage.begin(alert);
-    for (const QString &text : {alert.messageText, alert.informativeText}) {
-        const QLabel *label = labelOf(stage.box(), text);
-        QVERIFY(label);
-        QCOMPARE(label->textFormat(), Qt::PlainText);
-    }
-    QCOMPARE(stage.box()->findChild<QTextEdit *>()->toPlainText(), alert.detailsText);
-}
-
-void AlertTest::stressesTheMessage()
-{
-    Stage stage;
-    stage.begin(stage.alert());
-    QVERIFY(labelOf(stage.box(), u"Message"_s)->font().bold());
-    QVERIFY(!labelOf(stage.box(), u"Information"_s)->font().bold());
-}
-
-void AlertTest::letsTheDesktopPlaceTheButtons()
-{
-    Stage stage;
-    stage.begin(stage.alert({u"Replace"_s, u"Cancel"_s, u"Use Both"_s}));
-    const auto roleOf = [&](int response) {
-        return stage.box()->buttonRole(buttonOf(stage.box(), response));
-    };
-    QCOMPARE(roleOf(1000), QMessageBox::AcceptRole);
-    QCOMPARE(roleOf(1001), QMessageBox::RejectRole);
-    QCOMPARE(roleOf(1002), QMessageBox::ActionRole);
-}
-
-void AlertTest::showsAmpersandsInButtons()
-{
-    Stage stage;
-    stage.begin(stage.alert({u"Save & Close"_s}));
-    const QPushButton *button = buttonOf(stage.box(), 1000);
-    QCOMPARE(button->text(), u"Save && Close"_s);
-    QVERIFY(button->shortcut().isEmpty());
-    QCOMPARE(button->accessibleName(), u"Save & Close"_s);
-}
-
-void AlertTest::showsDetailsWhenAsked()
-{
-    Stage stage;
-    Alert alert = stage.alert({u"OK"_s});
-    alert.detailsText = u"line 1\nline 2"_s;
-    stage.begin(alert);
-    QMessageBox *box = stage.box();
-    QVERIFY(QTest::qWaitForWindowActive(box));
-    const auto *details = box->findChild<QTextEdit *>();
-    QVERIFY(!details->isVisible());
-    const QList<QAbstractButton *> buttons = box->buttons();
-    QCOMPARE(buttons.size(), 2);
-    QAbstractButton *show = buttons.at(0) == buttonOf(box, 1000) ? buttons.at(1) : buttons.at(0);
-    QCOMPARE(show->text(), u"Show Details..."_s);
-    show->click();
-    QVERIFY(details->isVisible());
-    QVERIFY(box->isVisible());
-    press(box, Qt::Key_Escape);
-    QTRY_COMPARE(stage.responses, QList<int>{1000});
-}
-
-void AlertTest::hasNoDetailsButtonWithoutDetails()
-{
-    Stage stage;
-    stage.begin(stage.alert({u"OK"_s, u"Cancel"_s}));
-    QCOMPARE(stage.box()->buttons().size(), 2);
-}
-
-void AlertTest::tellsItsNameToAccessibility()
-{
-    Stage stage;
-    stage.begin(stage.alert());
-    QCOMPARE(stage.box()->windowTitle(), QGuiApplication::applicationDisplayName());
-    QCOMPARE(stage.box()->accessibleName(), u"Message"_s);
-    QCOMPARE(stage.box()->accessibleDescription(), u"Information"_s);
-}
-
-void AlertTest::showsAnIcon_data()
-{
-    QTest::addColumn<Alert::Style>("style");
-    QTest::addColumn<QMessageBox::Icon>("icon");
-    QTest::newRow("warning") << Alert::Style::warning << QMessageBox::Warning;
-    QTest::newRow("informational") << Alert::Style::informational << QMessageBox::Information;
-    QTest::newRow("critical") << Alert::Style::critical << QMessageBox::Critical;
-}
-
-void AlertTest::showsAnIcon()
-{
-    QFETCH(const Alert::Style, style);
-    QFETCH(const QMessageBox::Icon, icon);
-    Stage stage;
-    Alert alert = stage.alert();
-    QCOMPARE(alert.style, Alert::Style::warning);
-    alert.style = style;
-    stage.begin(alert);
-    QCOMPARE(stage.box()->icon(), icon);
-}
-
-void AlertTest::showsTheApplicationsIcon()
-{
-    Stage stage;
-    QPixmap green(64, 64);
-    green.fill(Qt::green);
-    stage.window.setWindowIcon(green);
-    Alert alert = stage.alert();
-    for (const Alert::Style style : {Alert::Style::warning, Alert::Style::informational}) {
-        alert.style = style;
-        stage.begin(alert);
-        QCOMPARE(stage.box()->iconPixmap().toImage().pixelColor(5, 5), QColor(Qt::green));
-    }
-    alert.style = Alert::Style::critical;
-    stage.begin(alert);
-    QCOMPARE(stage.box()->icon(), QMessageBox::Critical);
-}
-
 void AlertTest::stacksASecondAlertOnTheFirst()
 {
     Stage stage;
@@ -501,77 +300,6 @@ void AlertTest::worksWithoutAWindow()
     QVERIFY(box);
     press(box, Qt::Key_Return);
     QTRY_COMPARE(answer, 1000);
-}
-
-void AlertTest::liesOverItsWindow()
-{
-    Stage stage;
-    stage.begin(stage.alert());
-    const QRect sheet = stage.box()->frameGeometry();
-    const QRect window = stage.window.frameGeometry();
-    QVERIFY(std::abs(sheet.center().x() - window.center().x()) <= 2);
-    QVERIFY(window.contains(sheet));
-}
-
-void AlertTest::fitsOnTheScreen_data()
-{
-    QTest::addColumn<QString>("name");
-    QTest::newRow("255 wide letters") << QString(255, u'W');
-    QTest::newRow("255 dots") << QString(255, u'.');
-    QTest::newRow("60 faces") << u"🎬"_s.repeated(60);
-    QTest::newRow("words") << u"word "_s.repeated(200);
-}
-
-void AlertTest::fitsOnTheScreen()
-{
-    QFETCH(const QString, name);
-    Stage stage;
-    Alert alert = stage.alert({u"OK"_s, u"Show in Finder"_s, u"Launch Video in QuickTime"_s});
-    alert.messageText = u"Cannot open "_s + name;
-    alert.informativeText = u"The file "_s + name + u" cannot be opened."_s;
-    alert.detailsText = name;
-    stage.begin(alert);
-    const QMessageBox *box = stage.box();
-    QVERIFY(QTest::qWaitForWindowExposed(stage.box()));
-    QVERIFY(box->screen()->availableGeometry().contains(box->frameGeometry()));
-    for (const QString &text : {alert.messageText, alert.informativeText}) {
-        const QLabel *label = labelOf(box, withBreaksInLongWords(text));
-        QVERIFY(label);
-        // Every line of the text lies within the label.
-        const QRect needed =
-            label->fontMetrics().boundingRect(QRect(0, 0, label->contentsRect().width(), 10000),
-                                              static_cast<int>(Qt::TextWordWrap), label->text());
-        QVERIFY2(needed.width() <= label->contentsRect().width(),
-                 qPrintable(QString::number(needed.width())));
-        QVERIFY2(needed.height() <= label->contentsRect().height(),
-                 qPrintable(QString::number(needed.height())));
-    }
-}
-
-void AlertTest::breaksLongWords_data()
-{
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<QString>("expected");
-    const QString letters24 = u"abcdefghijklmnopqrstuvwx"_s;
-    const QString broken25 = u"abcdefghijkl\u200Bmnopqrstuvwx\u200By"_s;
-    QTest::newRow("nothing") << QString() << QString();
-    QTest::newRow("short words") << u" a  word\nand\tmore "_s << u" a  word\nand\tmore "_s;
-    QTest::newRow("just short enough") << letters24 << letters24;
-    QTest::newRow("too long") << letters24 + u'y' << broken25;
-    QTest::newRow("too long among others")
-        << u"a "_s + letters24 + u"y\nb"_s << u"a "_s + broken25 + u"\nb"_s;
-    QTest::newRow("never within a character")
-        << u"e\u0301"_s.repeated(25)
-        << u"e\u0301"_s.repeated(12) + u"\u200B"_s + u"e\u0301"_s.repeated(12) + u"\u200B"_s + u"e\u0301"_s;
-    QTest::newRow("never within a pair")
-        << u"🎬"_s.repeated(25) << u"🎬"_s.repeated(12) + u"\u200B"_s + u"🎬"_s.repeated(12) + u"\u200B🎬"_s;
-}
-
-void AlertTest::breaksLongWords()
-{
-    QFETCH(const QString, text);
-    QFETCH(const QString, expected);
-    QCOMPARE(withBreaksInLongWords(text), expected);
 }
 
 } // namespace tessaly

@@ -44,10 +44,6 @@ void AppDelegate::setUpInterface()
 
 void AppDelegate::resetInterface()
 {
-    // Disabling an edited field that has the focus would commit its edit and so move the slider.
-    widthTF->discardEdit();
-    heightTF->discardEdit();
-
     inputLBL->setText(u"Input: 0 x 0"_s);
     proportionalCBX->setEnabled(false);
     proportionalCBX->setChecked(true);
@@ -86,7 +82,7 @@ void AppDelegate::showAlert(const QString &message, const QString &information)
 
 bool AppDelegate::isBusy() const
 {
-    return m_isOpening || m_panelIsUp || BusyInput::isBusy() || progressWindow->isVisible();
+    return m_panelIsUp || BusyInput::isBusy() || progressWindow->isVisible();
 }
 
 } // namespace tessaly

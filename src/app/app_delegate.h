@@ -153,7 +153,6 @@ private:
     void notifyWhenUnseen(const QString &title, const QString &text) const;
 
     bool m_panelIsUp = false;
-    bool m_isOpening = false;
     QString m_lastVideoFolder; // where the open panel starts
     // Of the running job.
     ResizeTarget m_target;

@@ -25,7 +25,6 @@ void AppDelegate::runConverter(ConverterRun &converter, const QStringList &argum
 void AppDelegate::showResizingSheet()
 {
     progressBar->setDoubleValue(0);
-    progressDetail->clear();
     progressTitle->setText(u"Resizing Video..."_s);
     progressCancel->setEnabled(true);
     progressCancel->show();

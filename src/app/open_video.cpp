@@ -7,7 +7,6 @@
 #include "ui/file_panels.h"
 
 #include <QFileInfo>
-#include <QScopeGuard>
 #include <QStandardPaths>
 
 namespace tessaly {
@@ -45,10 +44,7 @@ void AppDelegate::fileAddedByDragAndDropWithNotification(const NotificationCente
 
 void AppDelegate::openVideo(const QUrl &url)
 {
-    m_isOpening = true;
     const BusyInput busy;
-    const auto done = qScopeGuard([this] { m_isOpening = false; });
-
     resetInterface();
     const QString path = filePath(url);
     m_lastVideoFolder = QFileInfo(path).path();

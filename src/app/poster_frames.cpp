@@ -43,7 +43,7 @@ void AppDelegate::extractPosterFrames(double duration, const QString &inputPath)
     showAnalyzingSheet();
     remakeFolder(posterFrameFolder());
     if (const std::optional<QString> creator = pathForResource(u"creator"_s)) {
-        for (int number = 1; number <= posterFrameCount && !runsAreEnding(); ++number) {
+        for (int number = 1; number <= posterFrameCount; ++number) {
             runToEnd(*creator, posterFrameArguments(number, duration, inputPath), frameLimits);
             showPosterFrame(number);
             progressBar->setDoubleValue(10.0 * (number - 1));

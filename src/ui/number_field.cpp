@@ -102,6 +102,7 @@ void NumberField::keyPressEvent(QKeyEvent *event)
 void NumberField::focusOutEvent(QFocusEvent *event)
 {
     QLineEdit::focusOutEvent(event);
+    // A field that is disabled gives its focus away with its edit still open.
     if (isEnabled() && !willReturn(event->reason())) commitEdit();
 }
 

@@ -145,13 +145,17 @@ private Q_SLOTS:
         QFETCH(QStringList, end);
         QFETCH(bool, cancelled);
         QFETCH(QString, shown);
-        app->tools.setSteps(u"creator"_s, {{u"progress"_s, u"300"_s, u"time=00:00:02.50 \r"_s}, end});
+        const QString goAhead = app->folder.filePath(u"go ahead"_s);
+        app->tools.setSteps(
+            u"creator"_s,
+            {{u"progress"_s, u"0"_s, u"time=00:00:02.50 \r"_s}, {u"wait-for-file"_s, goAhead}, end});
         app->saveTo(app->folder.filePath(u"small.mp4"_s));
         QTRY_COMPARE(progress, (QStringList{u"0"_s, u"0.25"_s}));
         QCOMPARE(manager.reasons, QStringList{u"A video is being resized"_s});
         QVERIFY(manager.isHeld());
         QVERIFY(app->delegate.progressWindow->isVisible());
         if (looksElsewhere) QApplication::setActiveWindow(nullptr);
+        app->makeFile(u"go ahead"_s);
         if (cancelled) app->delegate.closeBTNInsideProgressWindowClicked(nullptr);
 
         QTRY_COMPARE(progress, (QStringList{u"0"_s, u"0.25"_s, u"hidden"_s}));

@@ -200,6 +200,18 @@ private Q_SLOTS:
         QVERIFY(QFile::exists(output()));
     }
 
+    void theInputsPathIsNotTheOutputThoughTheInputIsGone()
+    {
+        open();
+        const QString input = *app->delegate.globalFP->fileFullPath;
+        QVERIFY(QFile::remove(input));
+        app->tools.forgetCalls(u"creator"_s);
+        app->delegate.saveResponse(1, input);
+        QTRY_VERIFY(app->alert());
+        QVERIFY(app->alertText().startsWith("Input file name is same as the output file name!"_L1));
+        QVERIFY(app->tools.calls(u"creator"_s).isEmpty());
+    }
+
     void theInputIsNeverTheOutput_data()
     {
         QTest::addColumn<QString>("path");
@@ -235,14 +247,42 @@ private Q_SLOTS:
         QVERIFY(QFile::exists(app->folder.filePath(u"other/clip.mov.mp4"_s)));
     }
 
+    void anOpenEditIsCommittedFirst_data()
+    {
+        QTest::addColumn<QString>("typed");
+        QTest::addColumn<QString>("field");
+        QTest::newRow("width") << u"321"_s << u"widthTF"_s;
+        QTest::newRow("height") << u"181"_s << u"heightTF"_s;
+    }
     void anOpenEditIsCommittedFirst()
     {
+        QFETCH(QString, typed);
+        QFETCH(QString, field);
         open();
         letConverter({{u"write-output"_s, u"video"_s}});
-        app->type(app->delegate.widthTF.get(), u"321"_s);
+        app->type(app->window.findChild<NumberField *>(field), typed);
         app->saveTo(output());
         QTRY_VERIFY(app->alert());
         QVERIFY(app->tools.calls(u"creator"_s).last().contains(u"scale=320:180,setsar=1:1"_s));
+    }
+
+    void theRemainingTimeBeginsAnewWithEachJob()
+    {
+        open();
+        letConverter({{u"progress"_s, u"0"_s, u"time=00:00:09.00 \r"_s, u"time=00:00:09.10 \r"_s},
+                      {u"write-output"_s, u"video"_s}});
+        app->delegate.saveResponse(1, output());
+        QTRY_VERIFY(app->alert());
+        app->answerAlert();
+        letConverter({{u"pause"_s, u"2100"_s}, // before that nothing is told
+                      {u"progress"_s, u"200"_s, u"time=00:00:03.00 \r"_s, u"time=00:00:03.10 \r"_s},
+                      {u"write-output"_s, u"video"_s}});
+        app->delegate.saveResponse(1, output());
+        QTRY_VERIFY(!app->delegate.progressDetail->text().isEmpty());
+        QVERIFY2(app->delegate.progressDetail->text().startsWith("31 %"_L1),
+                 qPrintable(app->delegate.progressDetail->text()));
+        QTRY_VERIFY(app->alert());
+        QVERIFY(app->delegate.progressDetail->text().isEmpty());
     }
 
     void aCancelledPanelDoesNothing()

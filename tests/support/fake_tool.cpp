@@ -10,6 +10,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <fcntl.h>
+#include <filesystem>
 #include <fstream>
 #include <functional>
 #include <iostream>
@@ -190,6 +191,12 @@ void becomeTool(const std::string &program)
     refuse("cannot run " + program);
 }
 
+void waitForFile(const std::string &path)
+{
+    while (!std::filesystem::exists(path))
+        pauseFor("5");
+}
+
 void progress(const Texts &texts)
 {
     for (std::size_t i = 1; i < texts.size(); ++i) {
@@ -215,6 +222,7 @@ const std::map<std::string, std::function<void(const Texts &)>> behaviours = {
     {"flood-stdout", [](const Texts &p) { flood(STDOUT_FILENO, std::stoll(p.at(0))); }},
     {"flood-stderr", [](const Texts &p) { flood(STDERR_FILENO, std::stoll(p.at(0))); }},
     {"pause", [](const Texts &p) { pauseFor(p.at(0)); }},
+    {"wait-for-file", [](const Texts &p) { waitForFile(p.at(0)); }},
     {"hang", [](const Texts &) { hang(); }},
     {"ignore-terminate", [](const Texts &) { std::signal(SIGTERM, SIG_IGN); }},
     {"slow-flush", [](const Texts &p) { slowFlush(p.at(0), p.size() > 1 ? p[1] : "255"); }},

@@ -8,6 +8,7 @@
 //   progress MILLISECONDS TEXT…           to standard error, each text in one write, with that pause after it
 //   flood-stdout BYTES, flood-stderr BYTES
 //   pause MILLISECONDS
+//   wait-for-file PATH                    until it is there
 //   hang                                  for ever, until a signal ends it
 //   ignore-terminate                      from here on
 //   slow-flush MILLISECONDS [STATUS]      waits for the terminate signal, then so long, then exits (255)

@@ -249,6 +249,21 @@ private Q_SLOTS:
         QCOMPARE(process.readAllStandardError(), QByteArray("tessaly-cli: Cancelled.\n"));
         QVERIFY(!QFile::exists(path(u"checked.mp4"_s)));
     }
+
+    void aHangUpThatIsIgnoredStaysIgnored()
+    {
+        QProcess process; // as under nohup
+        process.setWorkingDirectory(m_folder.path());
+        process.setChildProcessModifier([] { ::signal(SIGHUP, SIG_IGN); });
+        process.start(m_program,
+                      {u"resize"_s, m_media + u"plain.mp4"_s, u"-o"_s, u"ignored"_s, u"--quiet"_s});
+        QVERIFY(process.waitForStarted());
+        QTRY_VERIFY(QFile::exists(path(u"ignored.mp4"_s)));
+        ::kill(static_cast<pid_t>(process.processId()), SIGHUP);
+        QVERIFY(process.waitForFinished(60000));
+        QCOMPARE(process.exitCode(), 0);
+        QVERIFY(QFile::exists(path(u"ignored.mp4"_s)));
+    }
 };
 
 TESSALY_TEST_MAIN(ResizeProgramTest)

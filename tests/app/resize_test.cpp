@@ -354,6 +354,23 @@ private Q_SLOTS:
         QTRY_VERIFY(app->alertText().startsWith("Video Resized Successfully!"_L1));
     }
 
+    void nothingIsOpenedOrSavedBeforeTheSheetIsUp()
+    {
+        open();
+        letConverter({{u"write-output"_s, u"video"_s}});
+        app->delegate.saveResponse(1, output());
+        QVERIFY(!isConverting()); // the sheet comes with the event loop
+        app->delegate.saveBTNClicked(nullptr);
+        app->delegate.openMenuBTNClicked(nullptr);
+        app->drop(app->makeFile(u"other.mp4"_s));
+        QVERIFY(!app->panel());
+        QCOMPARE(*app->delegate.globalFP->fileFullPath, app->folder.filePath(u"clip.mov"_s));
+        QTRY_VERIFY(app->alertText().startsWith("Video Resized Successfully!"_L1));
+        app->answerAlert();
+        app->delegate.saveMenuBTNClicked(nullptr); // and afterwards it can be saved again
+        QTRY_VERIFY(app->panel());
+    }
+
     void theEndOfTheProgramStopsTheJobAndCleansUp()
     {
         open();

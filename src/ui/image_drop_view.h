@@ -14,7 +14,7 @@ class QMimeData;
 namespace tessaly {
 
 // Shows an image as large as it fits, enlarged when it is small, with its shape kept, in the middle, one
-// image pixel for one pixel of the screen where the sizes allow it.
+// image pixel for one pixel of the screen where the sizes allow it. It has a layer from the start.
 //
 // A drag is welcome when its first local file exists and is not a folder. The source is told that the file
 // was copied, or nothing when it offers no copy: never that it was moved. An accepted drop posts

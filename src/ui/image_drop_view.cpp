@@ -63,11 +63,6 @@ void ImageDropView::setDropGuard(std::function<bool()> guard)
     m_dropGuard = std::move(guard);
 }
 
-QString ImageDropView::firstLocalFile(const QMimeData *drag)
-{
-    return pathFromBytes(firstLocalFileName(drag)).value_or(QString());
-}
-
 QSize ImageDropView::sizeHint() const
 {
     return {640, 360};

@@ -41,9 +41,6 @@ public:
     // no drag is refused for that reason.
     void setDropGuard(std::function<bool()> guard);
 
-    // The path of the first local file of a drag; empty when there is none or its name is not UTF-8.
-    static QString firstLocalFile(const QMimeData *drag);
-
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override;
 

@@ -83,7 +83,7 @@ ExitCode convert(const ResizeCommand &command, const FileProbe &probe, const Res
     }
     if (const std::optional<QString> remark = shorterThanInput(probe.duration, output.duration))
         complain(*remark);
-    if (!command.quiet) write(stdout, completionText(probe, output, output).toUtf8() + '\n');
+    if (!command.quiet) writeOutput(completionText(probe, output, output).toUtf8() + '\n');
     return exitDone;
 }
 

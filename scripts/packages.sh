@@ -1,6 +1,6 @@
 # shellcheck shell=bash
-# Sourced by ./run, ./test and .ci/run: says what it does, installs what is missing on Debian, and stops with a clear
-# message where it cannot.
+# Sourced by ./run, ./test, and the scripts of bench/ and packaging/: says what it does, installs what is missing on
+# Debian, and stops with a clear message where it cannot.
 
 say() { printf '==> %s\n' "$*"; }
 fail() {
@@ -8,7 +8,7 @@ fail() {
     exit 1
 }
 
-# The Debian packages that a build needs, that tests need beside them, and that the fuzzing and tidy presets need.
+# The Debian packages that a build needs, that the programs need beside them, and that the tests need beside those.
 build_packages="g++ cmake ninja-build qt6-base-dev nlohmann-json3-dev ffmpeg"
 run_packages="libqt6svg6 qt6-qpa-plugins"
 test_packages="xvfb xdotool dbus-daemon at-spi2-core locales fonts-dejavu-core desktop-file-utils appstream mandoc"

@@ -99,7 +99,7 @@ public:
     void removeTemporaryWorkspace();
     void showHelp();
     void showAlert(const QString &message, const QString &information);
-    // Whether a sheet that follows work, a panel or a probe is up, so that nothing may be opened or saved.
+    // Whether a job, a panel or a probe has not ended yet, so that nothing may be opened or saved.
     bool isBusy() const;
 
     // Opening (open_video.cpp).
@@ -156,7 +156,7 @@ private:
     QString m_lastVideoFolder; // where the open panel starts
     // Of the running job.
     ResizeTarget m_target;
-    std::optional<OutputGuard> m_outputGuard;
+    std::optional<OutputGuard> m_outputGuard; // from the job's start until its report
     RemainingTime m_remainingTime;
     QElapsedTimer m_jobTime;
     std::optional<SleepInhibitor> m_sleepInhibitor;

@@ -2,6 +2,7 @@
 #include "app/app_delegate.h"
 #include "jobs/completion_text.h"
 #include "jobs/failure_report.h"
+#include "platform/child_process.h"
 #include "platform/paths.h"
 #include "ui/alert.h"
 #include "ui/desktop_notification.h"
@@ -18,6 +19,7 @@ void AppDelegate::finishResize(const QString &outputPath, const RunOutcome &outc
     m_endIsUnseen = QApplication::activeWindow() == nullptr; // before our own sheets change that
     endResizingSheet();
     const FileProbe outputProbe(outputPath);
+    if (runsAreEnding()) return; // the end of the program clears away what the job left
     showCompletionReport(outputProbe, outcome);
 }
 

@@ -32,10 +32,7 @@ ExitCode runInfo(const InfoCommand &command)
         if (facts.proberFailure) complain(file.shown + u": "_s + *facts.proberFailure);
         const QByteArray text = command.json ? infoJson(facts) + '\n'
                                              : (first ? "" : "\n") + infoText(file.shown, facts).toUtf8();
-        if (!write(stdout, text)) {
-            complain(u"Standard output cannot be written."_s);
-            return exitFailed;
-        }
+        if (!writeOutput(text)) return exitFailed;
         first = false;
     }
     return allValid ? exitDone : exitFailed;

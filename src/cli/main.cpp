@@ -1,27 +1,26 @@
 #include "cli/command_line.h"
 #include "cli/info_command.h"
 #include "cli/resize_command.h"
-#include "cli/terminal_text.h"
+#include "cli/streams.h"
 #include "platform/utf8_locale.h"
 
 #include <QCoreApplication>
 
-#include <cstdio>
+#include <variant>
 
 using namespace tessaly;
+using namespace Qt::StringLiterals;
 
 namespace {
 
 int run(const ShowText &show)
 {
-    std::fputs(show.text.toUtf8().constData(), stdout);
-    return exitDone;
+    return writeOutput(show.text.toUtf8()) ? exitDone : exitFailed;
 }
 
 int run(const WrongUsage &wrong)
 {
-    std::fprintf(stderr, "tessaly-cli: %s See tessaly-cli --help.\n",
-                 terminalText(wrong.reason).toUtf8().constData());
+    complain(wrong.reason + u" See tessaly-cli --help."_s);
     return exitWrongUsage;
 }
 

@@ -29,6 +29,12 @@ ExitCode refuse(const QString &reason)
     return exitFailed;
 }
 
+ExitCode cancelled()
+{
+    complain(u"Cancelled."_s);
+    return exitCancelled;
+}
+
 // Why the output cannot be written there, before anything has run.
 std::optional<QString> faultOfTarget(const QString &input, const QString &output, bool force)
 {
@@ -65,12 +71,11 @@ ExitCode convert(const ResizeCommand &command, const FileProbe &probe, const Res
     });
     progress.finish();
 
-    if (TerminationWatch::wasAsked()) {
-        guard.removeIfTouched();
-        complain(u"Cancelled."_s);
-        return exitCancelled;
-    }
     const FileProbe output(target.path);
+    if (TerminationWatch::wasAsked()) { // before its end, or while the output was probed
+        guard.removeIfTouched();
+        return cancelled();
+    }
     const JobEnd end{.outcome = outcome, .targetTouched = guard.wasTouched(), .target = target};
     if (const std::optional<Failure> failure = failureOfJob(end, output)) {
         guard.removeIfTouched();
@@ -78,7 +83,7 @@ ExitCode convert(const ResizeCommand &command, const FileProbe &probe, const Res
     }
     if (const std::optional<QString> remark = shorterThanInput(probe.duration, output.duration))
         complain(*remark);
-    if (!command.quiet) write(stdout, completionText(probe, output, output).toUtf8() + '\n');
+    if (!command.quiet) writeOutput(completionText(probe, output, output).toUtf8() + '\n');
     return exitDone;
 }
 
@@ -101,7 +106,7 @@ ExitCode runResize(const ResizeCommand &command)
         endAllRuns();
     });
     const FileProbe probe(input);
-    if (TerminationWatch::wasAsked()) return exitCancelled;
+    if (TerminationWatch::wasAsked()) return cancelled();
     if (const std::optional<QString> fault = faultOfInput(probe, input)) return refuse(*fault);
     const std::optional<FrameSize> size = outputSize(command.size, *probe.videoWidth, *probe.videoHeight);
     if (!size) return refuse(u"No usable size comes of that: each side needs at least 2 pixels."_s);

@@ -6,8 +6,8 @@
 
 namespace tessaly {
 
-// Writes progress and refusals to standard error, the report to standard output. SIGINT and SIGTERM cancel;
-// what a cancelled or failed run left behind is removed. The input is never touched.
+// Writes progress and refusals to standard error, the report to standard output. SIGINT, SIGTERM and SIGHUP
+// cancel; what a cancelled or failed run left behind is removed. The input is never touched.
 ExitCode runResize(const ResizeCommand &command);
 
 } // namespace tessaly

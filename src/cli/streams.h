@@ -11,6 +11,9 @@ namespace tessaly {
 // Writes and flushes; false when the stream does not take it.
 bool write(std::FILE *stream, const QByteArray &text);
 
+// Writes to standard output; false, with a complaint, when that does not take it.
+bool writeOutput(const QByteArray &text);
+
 // One line on standard error, behind the program's name; control characters become escapes.
 void complain(const QString &complaint);
 

@@ -17,9 +17,8 @@ constexpr qsizetype longestLine = 400; // characters
 const QRegularExpression &progressOrStatistics()
 {
     static const QRegularExpression pattern(
-        u"^(frame=|size=|video:\\d|frame [IPB]:|consecutive B-frames|mb [IPB] |8x8 transform|coded y|i\\d+c? "
-        u"|"
-        "Weighted |ref [IPB] |kb/s:|Qavg:|\\d+ frames left in the queue|using (SAR|cpu)|profile |264 - core)"_s);
+        u"^(frame=|size=|video:\\d|frame [IPB]:|consecutive B-frames|mb [IPB] |8x8 transform|coded y|"
+        "i\\d+c? |Weighted |ref [IPB] |kb/s:|Qavg:|\\d+ frames left in the queue|using (SAR|cpu)|profile |264 - core)"_s);
     return pattern;
 }
 
@@ -27,9 +26,8 @@ const QRegularExpression &progressOrStatistics()
 const QRegularExpression &sayingNothing()
 {
     static const QRegularExpression pattern(
-        u"^( |ffmpeg version|Input #|Output #|Stream mapping:|Press \\[q\\]|Conversion failed!|Exiting "
-        u"normally|"
-        "Error marking filters as finished|Error initializing output stream \\S+ -- $|"
+        u"^( |ffmpeg version|Input #|Output #|Stream mapping:|Press \\[q\\]|Conversion failed!|"
+        "Exiting normally|Error marking filters as finished|Error initializing output stream \\S+ -- $|"
         "Error opening (in|out)put files?\\b|Task finished with error|Terminating thread|"
         "Could not open encoder before EOF|Nothing was written into output file|Guessed Channel Layout|"
         "Consider increasing the value|No filtered frames for output stream)"_s);

@@ -50,7 +50,6 @@ std::optional<QString> sentenceFor(const JobEnd &end, const QStringList &lines, 
 
 std::optional<Failure> failureOfJob(const JobEnd &end, const FileProbe &output)
 {
-    if (end.cancelled) return std::nullopt;
     const QStringList lines = converterLines(end.outcome.lastText);
     const std::optional<QString> sentence = sentenceFor(end, lines, output);
     if (!sentence) return std::nullopt;

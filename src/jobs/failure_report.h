@@ -23,13 +23,12 @@ struct Failure
 struct JobEnd
 {
     RunOutcome outcome;
-    bool cancelled = false;     // a person stopped it: whatever the outcome says, that is no failure
     bool targetTouched = false; // OutputGuard::wasTouched(), before anything was removed
     ResizeTarget target;
 };
 
-// Nothing when the job went well, was cancelled or was stopped. It went well when the converter ended with 0
-// and left a file with a video track; neither alone proves anything.
+// Nothing when the job went well or was stopped. It went well when the converter ended with 0 and left a file
+// with a video track; neither alone proves anything.
 std::optional<Failure> failureOfJob(const JobEnd &end, const FileProbe &output);
 
 // A sentence for when the new video is clearly shorter than the input said: by more than 2 percent and more

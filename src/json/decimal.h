@@ -22,7 +22,6 @@ public:
     static Decimal fromString(std::string_view text);
 
     bool isNaN() const { return m_notANumber; }
-    bool isZero() const { return !m_notANumber && m_high == 0 && m_low == 0; }
 
     // Plain digits, never an exponent, no zeros at the end of a fraction; "NaN".
     std::string stringValue() const;

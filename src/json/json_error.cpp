@@ -16,7 +16,7 @@ constexpr std::array<Entry, 6> entries{{
     {JSONError::unsupportedType, "It is an unsupported type."},
     {JSONError::indexOutOfBounds, "Array Index is out of bounds."},
     {JSONError::elementTooDeep,
-     "Element too deep. Increase maxObjextDepth and make sure there is no reference loop."},
+     "Element too deep. Increase maxObjectDepth and make sure there is no reference loop."},
     {JSONError::wrongType, "Couldn't merge, because the JSONs differ in type on top level."},
     {JSONError::notExist, "Dictionary key does not exist."},
     {JSONError::invalidJSON, "JSON is invalid."},

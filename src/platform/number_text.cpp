@@ -13,9 +13,6 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr double largestWithoutExponent = 9007199254740992.0; // 2^53
-constexpr int smallestWithoutExponent = -4;                   // power of ten of the first digit
-
 QString notFinite(double value)
 {
     if (std::isnan(value)) return u"nan"_s;
@@ -94,16 +91,6 @@ qsizetype lengthOfDecimal(QStringView text)
 }
 
 } // namespace
-
-QString doubleDescription(double value)
-{
-    if (!std::isfinite(value)) return notFinite(value);
-    const ShortestDigits number = shortestDigits(value);
-    const bool tooSmall = number.pointPosition - 1 < smallestWithoutExponent;
-    if (std::abs(value) > largestWithoutExponent || tooSmall)
-        return writtenByLibrary(value, std::chars_format::scientific);
-    return plainLayout(number);
-}
 
 QString plainDecimal(double value)
 {

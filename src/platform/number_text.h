@@ -7,11 +7,8 @@
 
 namespace tessaly {
 
-// The shortest digits that read back to the same value, at least one of them behind the point: 1.0, 29.97.
-// Above 2^53 and below 0.0001 with an exponent: 1e+16, 1e-05. Also nan, inf, -inf, -0.0.
-QString doubleDescription(double value);
-
-// The same digits, but never an exponent: 0.0000001, 10000000000000000000000.0. For arguments of tools.
+// The shortest digits that read back to the same value, at least one of them behind the point and never an
+// exponent: 1.0, 29.97, 0.0000001. Also nan, inf, -inf, -0.0. For arguments of tools.
 QString plainDecimal(double value);
 
 // Up to 16 significant digits in the manner of "%.16g": 2, 29.97, 1e+16. The sign of a nan is not shown.

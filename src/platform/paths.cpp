@@ -32,7 +32,7 @@ bool isBidiControl(QChar c)
 
 bool isExtension(const QString &text)
 {
-    const auto forbidden = [](QChar c) { return c == u' ' || c == u'/' || isBidiControl(c); };
+    const auto forbidden = [](QChar c) { return c == u' ' || isBidiControl(c); };
     return !text.isEmpty() && std::none_of(text.begin(), text.end(), forbidden);
 }
 
@@ -69,19 +69,6 @@ QString pathExtension(const QString &path)
     if (point <= 0 || isDots(name.first(point))) return {};
     const QString extension = name.sliced(point + 1);
     return isExtension(extension) ? extension : QString();
-}
-
-QString deletingPathExtension(const QString &path)
-{
-    const QString extension = pathExtension(path);
-    return extension.isEmpty() ? path : withoutTrailingSlashes(path).chopped(extension.size() + 1);
-}
-
-QString appendingPathExtension(const QString &path, const QString &extension)
-{
-    const QString trimmed = withoutTrailingSlashes(path);
-    if (!isExtension(extension) || trimmed.isEmpty() || trimmed == u"/"_s) return path;
-    return trimmed + u'.' + extension;
 }
 
 QString absolutePath(const QString &path)

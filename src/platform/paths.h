@@ -18,12 +18,6 @@ QString lastPathComponent(const QString &path);
 // bidirectional control.
 QString pathExtension(const QString &path);
 
-// Unchanged when there is no extension.
-QString deletingPathExtension(const QString &path);
-
-// Unchanged when the extension is empty or no extension, and when the path has no name to append it to.
-QString appendingPathExtension(const QString &path, const QString &extension);
-
 // The path itself when it is absolute, else the current folder before it; every other character stays as
 // given.
 QString absolutePath(const QString &path);

@@ -2,9 +2,11 @@
 
 #include <array>
 #include <atomic>
+#include <cerrno>
 #include <csignal>
 #include <fcntl.h>
 #include <unistd.h>
+#include <utility>
 
 namespace tessaly {
 
@@ -48,7 +50,9 @@ TerminationWatch::TerminationWatch(std::function<void()> handler)
     treatment.sa_handler = onSignal;
     treatment.sa_flags = SA_RESTART;
     for (std::size_t i = 0; i < watchedSignals.size(); ++i) {
-        ::sigaction(watchedSignals[i], &treatment, &formerTreatment[i]);
+        ::sigaction(watchedSignals[i], nullptr, &formerTreatment[i]);
+        const bool isIgnored = formerTreatment[i].sa_handler == SIG_IGN;
+        if (!isIgnored) ::sigaction(watchedSignals[i], &treatment, nullptr);
     }
 }
 

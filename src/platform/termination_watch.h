@@ -7,8 +7,9 @@
 namespace tessaly {
 
 // While one lives, SIGTERM, SIGINT and SIGHUP do not end the program but call the handler, each time, on a
-// thread of the watch. At most one at a time. A child that is started meanwhile has the usual treatment of
-// signals.
+// thread of the watch. One that was ignored before (the hang-up under nohup, the interrupt in the background
+// of a script) stays ignored. At most one watch at a time; where the system is out of descriptors it hears
+// nothing. A child that is started meanwhile has the usual treatment of signals.
 class TerminationWatch
 {
 public:

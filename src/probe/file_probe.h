@@ -30,8 +30,8 @@ public:
 
     JSON jsonDictionary;    // the whole report; null when there was none that could be read
     bool hasErrors = false; // the report has an "error" member; gates nothing here
-    // At least one stream, and not called .txt. When false, all below but numberOfStreams and the file facts
-    // keeps its initial value.
+    // At least one stream, and not called .txt. When false, all fields below but numberOfStreams and the
+    // file facts keep their initial values.
     bool isValidMediaFile = false;
     bool isEncrypted = false; // a video stream without a codec name
     qint64 numberOfStreams = 0;

@@ -16,7 +16,8 @@ using PanelCompletion = std::function<void(int response, const QString &path)>;
 constexpr int panelResponseOK = 1;
 constexpr int panelResponseCancel = 0;
 
-// Any one existing file. The fields are read when the sheet begins.
+// Any one existing file. The fields are read when the sheet begins; the window must not be null. Main thread
+// only.
 struct OpenPanel
 {
     QString title;
@@ -25,7 +26,7 @@ struct OpenPanel
     void beginSheet(QWidget *window, PanelCompletion completion) const;
 };
 
-// A file to be written. Writes and deletes nothing itself.
+// A file to be written. Writes and deletes nothing itself. As above.
 struct SavePanel
 {
     // From the path that was typed to the one that is meant, such as one with the required extension.

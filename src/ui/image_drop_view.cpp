@@ -3,6 +3,7 @@
 #include "platform/notification_center.h"
 #include "platform/paths.h"
 #include "ui/dropped_file.h"
+#include "ui/layer.h"
 
 #include <QDropEvent>
 #include <QPainter>
@@ -40,6 +41,7 @@ void answerCopy(QDropEvent *event, bool accepted)
 
 ImageDropView::ImageDropView(QWidget *parent) : QWidget(parent)
 {
+    ViewLayer::wantedFor(this);
     setAcceptDrops(true);
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
 }
@@ -59,11 +61,6 @@ void ImageDropView::setImage(const QImage &image)
 void ImageDropView::setDropGuard(std::function<bool()> guard)
 {
     m_dropGuard = std::move(guard);
-}
-
-QString ImageDropView::firstLocalFile(const QMimeData *drag)
-{
-    return pathFromBytes(firstLocalFileName(drag)).value_or(QString());
 }
 
 QSize ImageDropView::sizeHint() const

@@ -14,7 +14,7 @@ class QMimeData;
 namespace tessaly {
 
 // Shows an image as large as it fits, enlarged when it is small, with its shape kept, in the middle, one
-// image pixel for one pixel of the screen where the sizes allow it.
+// image pixel for one pixel of the screen where the sizes allow it. It has a layer from the start.
 //
 // A drag is welcome when its first local file exists and is not a folder. The source is told that the file
 // was copied, or nothing when it offers no copy: never that it was moved. An accepted drop posts
@@ -40,9 +40,6 @@ public:
     // Asked at every step of a drag; when it answers false, the drag is refused at that step. Without a guard
     // no drag is refused for that reason.
     void setDropGuard(std::function<bool()> guard);
-
-    // The path of the first local file of a drag; empty when there is none or its name is not UTF-8.
-    static QString firstLocalFile(const QMimeData *drag);
 
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override;

@@ -1,9 +1,13 @@
 // Save, conversion, cancel and report, with a converter that does as it is told.
 #include "app/app_harness.h"
+#include "platform/busy_input.h"
+#include "platform/child_process.h"
 #include "platform/printing.h"
 #include "support/test_case.h"
 
+#include <QEventLoop>
 #include <QStatusBar>
+#include <QTimer>
 
 #include <cmath>
 #include <unistd.h>
@@ -43,7 +47,11 @@ private Q_SLOTS:
         setPrintTarget(PrintTarget::nowhere);
         app = std::make_unique<AppHarness>();
     }
-    void cleanup() { app.reset(); }
+    void cleanup()
+    {
+        app.reset();
+        letRunsStart();
+    }
 
     void theConverterGetsExactlyTheseArguments_data()
     {
@@ -400,6 +408,42 @@ private Q_SLOTS:
         QVERIFY(!app->panel());
         QCOMPARE(*app->delegate.globalFP->fileFullPath, app->folder.filePath(u"clip.mov"_s));
         QTRY_VERIFY(app->alertText().startsWith("Video Resized Successfully!"_L1));
+    }
+
+    void nothingIsOpenedOrSavedBeforeTheSheetIsUp()
+    {
+        open();
+        letConverter({{u"write-output"_s, u"video"_s}});
+        app->delegate.saveResponse(1, output());
+        QVERIFY(!isConverting()); // the sheet comes with the event loop
+        app->delegate.saveBTNClicked(nullptr);
+        app->delegate.openMenuBTNClicked(nullptr);
+        app->drop(app->makeFile(u"other.mp4"_s));
+        QVERIFY(!app->panel());
+        QCOMPARE(*app->delegate.globalFP->fileFullPath, app->folder.filePath(u"clip.mov"_s));
+        QTRY_VERIFY(app->alertText().startsWith("Video Resized Successfully!"_L1));
+        app->answerAlert();
+        app->delegate.saveMenuBTNClicked(nullptr); // and afterwards it can be saved again
+        QTRY_VERIFY(app->panel());
+    }
+
+    void theEndOfTheProgramDuringTheLastProbeIsNoFailure()
+    {
+        open();
+        letConverter({{u"write-output"_s, u"video"_s}});
+        app->tools.setBehaviour(u"sniffer"_s, u"hang"_s);
+        QEventLoop loop; // a probe lets timers fire only where one runs
+        QTimer check;
+        connect(&check, &QTimer::timeout, &loop, [this, &loop] {
+            if (!app->tools.calls(u"sniffer"_s).isEmpty()) endAllRuns();
+            if (runsAreEnding() && !BusyInput::isBusy()) loop.quit();
+        });
+        check.start(10);
+        app->delegate.saveResponse(1, output());
+        loop.exec();
+        QVERIFY2(!app->alert(), qPrintable(app->alertText()));
+        app->delegate.applicationWillTerminate(nullptr);
+        QVERIFY(!QFile::exists(output()));
     }
 
     void theEndOfTheProgramStopsTheJobAndCleansUp()

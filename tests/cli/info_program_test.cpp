@@ -49,6 +49,7 @@ private Q_SLOTS:
     void proberThatIsMissing();
     void proberIsFoundBesideTheProgram();
     void standardInputIsNotRead();
+    void outputThatCannotBeWritten_data();
     void outputThatCannotBeWritten();
 
 private:
@@ -302,9 +303,18 @@ void InfoProgramTest::standardInputIsNotRead()
     QVERIFY(result.errors.startsWith("plain.mp4\n"));
 }
 
+void InfoProgramTest::outputThatCannotBeWritten_data()
+{
+    QTest::addColumn<QString>("words");
+    QTest::newRow("info") << u"info plain.mp4 plain.mp4"_s;
+    QTest::newRow("help") << u"--help"_s;
+    QTest::newRow("version") << u"--version"_s;
+}
+
 void InfoProgramTest::outputThatCannotBeWritten()
 {
-    const Result result = runShell(uR"sh(exec "$0" info plain.mp4 plain.mp4 >/dev/full)sh"_s);
+    QFETCH(QString, words);
+    const Result result = runShell(uR"sh(exec "$0" %1 >/dev/full)sh"_s.arg(words));
     QCOMPARE(result.exitCode, 1);
     QCOMPARE(result.errors, QByteArray("tessaly-cli: Standard output cannot be written.\n"));
 }

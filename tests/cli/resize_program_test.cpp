@@ -35,7 +35,8 @@ class ResizeProgramTest : public tessaly::test::TestCase
 
 private:
     QTemporaryDir m_folder;
-    const QString m_program = QStringLiteral(TESSALY_PROGRAM_FOLDER "/tessaly-cli");
+    const QString m_programFolder = QStringLiteral(TESSALY_PROGRAM_FOLDER "/");
+    const QString m_program = m_programFolder + u"tessaly-cli"_s;
     const QString m_media = QStringLiteral(TESSALY_MEDIA_FOLDER "/");
 
     QString path(const QString &name) const { return m_folder.filePath(name); }
@@ -73,8 +74,8 @@ private Q_SLOTS:
         QTest::newRow("both") << u"plain.mp4"_s << QStringList{u"--height=100"_s, u"--width=100"_s}
                               << u"100x100"_s;
         QTest::newRow("an odd input as it is") << u"odd.mkv"_s << QStringList{} << u"854x480"_s;
-        QTest::newRow("a phone held upright") << u"portrait.mp4"_s << QStringList{u"--scale"_s, u"50"_s}
-                                              << u"180x320"_s;
+        QTest::newRow("a phone held upright")
+            << u"portrait.mp4"_s << QStringList{u"--scale"_s, u"50"_s} << u"180x320"_s;
     }
     void sizes()
     {
@@ -88,8 +89,9 @@ private Q_SLOTS:
         QCOMPARE(sizeOf(output), size);
         const QStringList lines = result.out.split(u'\n');
         QCOMPARE(lines.size(), 3);
-        QVERIFY2(QRegularExpression(u"^Input Resolution: \\d+ x \\d+ \\([^)]+\\)$"_s).match(lines[0]).hasMatch(),
-                 qPrintable(result.out));
+        QVERIFY2(
+            QRegularExpression(u"^Input Resolution: \\d+ x \\d+ \\([^)]+\\)$"_s).match(lines[0]).hasMatch(),
+            qPrintable(result.out));
         const QString told = QString(size).replace(u"x"_s, u" x "_s);
         QVERIFY2(lines[1].startsWith(u"Output Resolution: "_s + told + u" ("_s), qPrintable(result.out));
         QVERIFY(contentOf(m_media + input) == before);
@@ -104,7 +106,8 @@ private Q_SLOTS:
     void progressIsLinesWhereThereIsNoTerminal()
     {
         const Result result = run({m_media + u"plain.mp4"_s, u"-o"_s, u"lines"_s});
-        QVERIFY2(QRegularExpression(u"^(\\d+ %\n)+$"_s).match(result.error).hasMatch(), qPrintable(result.error));
+        QVERIFY2(QRegularExpression(u"^(\\d+ %\n)+$"_s).match(result.error).hasMatch(),
+                 qPrintable(result.error));
     }
 
     void quietSaysNothing()
@@ -116,7 +119,8 @@ private Q_SLOTS:
 
     void diagnosticsAreForVerbose()
     {
-        const Result result = run({m_media + u"plain.mp4"_s, u"-o"_s, u"verbose"_s, u"--quiet"_s, u"--verbose"_s});
+        const Result result =
+            run({m_media + u"plain.mp4"_s, u"-o"_s, u"verbose"_s, u"--quiet"_s, u"--verbose"_s});
         QVERIFY2(result.error.startsWith("[\"-i\", \""_L1), qPrintable(result.error));
         QCOMPARE(result.out, QString());
     }
@@ -128,16 +132,19 @@ private Q_SLOTS:
         QTest::addColumn<QStringList>("more");
         QTest::addColumn<QString>("said");
         QTest::newRow("an existing file") << u"in.mp4"_s << u"taken.mp4"_s << QStringList{} << u"--force"_s;
-        QTest::newRow("the input") << u"in.mp4"_s << u"in.mp4"_s << QStringList{u"--force"_s} << u"the input itself"_s;
+        QTest::newRow("the input") << u"in.mp4"_s << u"in.mp4"_s << QStringList{u"--force"_s}
+                                   << u"the input itself"_s;
         QTest::newRow("the input by a symbolic link")
             << u"in.mp4"_s << u"symbolic.mp4"_s << QStringList{u"--force"_s} << u"the input itself"_s;
         QTest::newRow("the input by a hard link")
             << u"in.mp4"_s << u"hard.mp4"_s << QStringList{u"--force"_s} << u"the input itself"_s;
-        QTest::newRow("a folder") << u"in.mp4"_s << u"folder.mp4"_s << QStringList{u"--force"_s} << u"folder"_s;
+        QTest::newRow("a folder") << u"in.mp4"_s << u"folder.mp4"_s << QStringList{u"--force"_s}
+                                  << u"folder"_s;
         QTest::newRow("no such input") << u"gone.mp4"_s << u"new.mp4"_s << QStringList{} << u"gone.mp4"_s;
         QTest::newRow("no video") << u"taken.mp4"_s << u"new.mp4"_s << QStringList{} << u"unsupported"_s;
         QTest::newRow("a DVD file") << u"in.vob"_s << u"new.mp4"_s << QStringList{} << u"VOB"_s;
-        QTest::newRow("too small") << u"in.mp4"_s << u"new.mp4"_s << QStringList{u"--scale=0.01"_s} << u"2 pixels"_s;
+        QTest::newRow("too small") << u"in.mp4"_s << u"new.mp4"_s << QStringList{u"--scale=0.01"_s}
+                                   << u"2 pixels"_s;
         QTest::newRow("no such folder") << u"in.mp4"_s << u"none/new.mp4"_s << QStringList{} << u"folder"_s;
     }
     void refusals()
@@ -170,7 +177,8 @@ private Q_SLOTS:
         QFile old(path(u"old.mp4"_s));
         QVERIFY(old.open(QIODevice::WriteOnly));
         old.close();
-        QCOMPARE(run({m_media + u"plain.mp4"_s, u"-o"_s, u"old.mp4"_s, u"--force"_s, u"--quiet"_s}).exitCode, 0);
+        QCOMPARE(run({m_media + u"plain.mp4"_s, u"-o"_s, u"old.mp4"_s, u"--force"_s, u"--quiet"_s}).exitCode,
+                 0);
         QCOMPARE(sizeOf(path(u"old.mp4"_s)), u"640x360"_s);
     }
 
@@ -202,7 +210,8 @@ private Q_SLOTS:
     {
         QProcess process;
         process.setWorkingDirectory(m_folder.path());
-        process.start(m_program, {u"resize"_s, m_media + u"long.mp4"_s, u"-o"_s, u"partial"_s, u"--scale"_s, u"200"_s});
+        process.start(m_program,
+                      {u"resize"_s, m_media + u"long.mp4"_s, u"-o"_s, u"partial"_s, u"--scale"_s, u"200"_s});
         QVERIFY(process.waitForStarted());
         QTRY_VERIFY(QFile::exists(path(u"partial.mp4"_s)));
         ::kill(static_cast<pid_t>(process.processId()), SIGINT);
@@ -210,6 +219,50 @@ private Q_SLOTS:
         QCOMPARE(process.exitStatus(), QProcess::NormalExit);
         QCOMPARE(process.exitCode(), 130);
         QVERIFY(!QFile::exists(path(u"partial.mp4"_s)));
+    }
+
+    void interruptWhileTheNewFileIsCheckedCancels()
+    {
+        // A program folder of its own, whose prober never comes back from the new file.
+        const QString folder = path(u"program"_s);
+        QVERIFY(QDir().mkpath(folder));
+        QVERIFY(QFile::copy(m_program, folder + u"/tessaly-cli"_s));
+        QVERIFY(QFile::link(QFile::symLinkTarget(m_programFolder + u"creator"_s), folder + u"/creator"_s));
+        QFile prober(folder + u"/sniffer"_s);
+        QVERIFY(prober.open(QIODevice::WriteOnly));
+        prober.write(
+            "#!/bin/sh\ncase \"$*\" in *checked.mp4) touch checking; exec sleep 60 ;; esac\nexec \"" +
+            QFile::symLinkTarget(m_programFolder + u"sniffer"_s).toUtf8() + "\" \"$@\"\n");
+        prober.close();
+        QVERIFY(prober.setPermissions(prober.permissions() | QFile::ExeOwner));
+
+        QProcess process;
+        process.setWorkingDirectory(m_folder.path());
+        process.start(folder + u"/tessaly-cli"_s,
+                      {u"resize"_s, m_media + u"plain.mp4"_s, u"-o"_s, u"checked"_s, u"--quiet"_s});
+        QVERIFY(process.waitForStarted());
+        QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(path(u"checking"_s)), 30000);
+        QVERIFY(QFile::exists(path(u"checked.mp4"_s)));
+        ::kill(static_cast<pid_t>(process.processId()), SIGINT);
+        QVERIFY(process.waitForFinished(10000));
+        QCOMPARE(process.exitCode(), 130);
+        QCOMPARE(process.readAllStandardError(), QByteArray("tessaly-cli: Cancelled.\n"));
+        QVERIFY(!QFile::exists(path(u"checked.mp4"_s)));
+    }
+
+    void aHangUpThatIsIgnoredStaysIgnored()
+    {
+        QProcess process; // as under nohup
+        process.setWorkingDirectory(m_folder.path());
+        process.setChildProcessModifier([] { ::signal(SIGHUP, SIG_IGN); });
+        process.start(m_program,
+                      {u"resize"_s, m_media + u"plain.mp4"_s, u"-o"_s, u"ignored"_s, u"--quiet"_s});
+        QVERIFY(process.waitForStarted());
+        QTRY_VERIFY(QFile::exists(path(u"ignored.mp4"_s)));
+        ::kill(static_cast<pid_t>(process.processId()), SIGHUP);
+        QVERIFY(process.waitForFinished(60000));
+        QCOMPARE(process.exitCode(), 0);
+        QVERIFY(QFile::exists(path(u"ignored.mp4"_s)));
     }
 };
 

@@ -344,7 +344,7 @@ void AccessorsTest::errorsHaveCodesAndMessages_data()
     QTest::newRow("unsupportedType") << 999 << u"It is an unsupported type."_s;
     QTest::newRow("indexOutOfBounds") << 900 << u"Array Index is out of bounds."_s;
     QTest::newRow("elementTooDeep")
-        << 902 << u"Element too deep. Increase maxObjextDepth and make sure there is no reference loop."_s;
+        << 902 << u"Element too deep. Increase maxObjectDepth and make sure there is no reference loop."_s;
     QTest::newRow("wrongType") << 901 << u"Couldn't merge, because the JSONs differ in type on top level."_s;
     QTest::newRow("notExist") << 500 << u"Dictionary key does not exist."_s;
     QTest::newRow("invalidJSON") << 490 << u"JSON is invalid."_s;

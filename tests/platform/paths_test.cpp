@@ -19,10 +19,6 @@ private Q_SLOTS:
     void cleanupTestCase();
     void takesNamesApart_data();
     void takesNamesApart();
-    void deletesExtensions_data();
-    void deletesExtensions();
-    void appendsExtensions_data();
-    void appendsExtensions();
     void makesPathsAbsolute_data();
     void makesPathsAbsolute();
     void theRootAsCurrentFolder();
@@ -103,57 +99,6 @@ void PathsTest::takesNamesApart()
     QFETCH(QString, extension);
     QCOMPARE(lastPathComponent(path), last);
     QCOMPARE(pathExtension(path), extension);
-}
-
-void PathsTest::deletesExtensions_data()
-{
-    QTest::addColumn<QString>("path");
-    QTest::addColumn<QString>("without");
-    const auto row = [](const char *path, const char *without) {
-        QTest::addRow("'%s'", path) << QString::fromUtf8(path) << QString::fromUtf8(without);
-    };
-    row("a.tar.gz", "a.tar");
-    row("/v/a.mp4", "/v/a");
-    row("/v/a.MP4", "/v/a");
-    row("/v/dir.ext/", "/v/dir");
-    row("a..mp4", "a.");
-    row("a.b c", "a.b c");
-    row(".hidden", ".hidden");
-    row("a.", "a.");
-    row("/v.x/a", "/v.x/a");
-    row("/", "/");
-    row("", "");
-}
-
-void PathsTest::deletesExtensions()
-{
-    QFETCH(QString, path);
-    QFETCH(QString, without);
-    QCOMPARE(deletingPathExtension(path), without);
-}
-
-void PathsTest::appendsExtensions_data()
-{
-    QTest::addColumn<QString>("path");
-    QTest::addColumn<QString>("extension");
-    QTest::addColumn<QString>("with");
-    QTest::newRow("plain") << u"a"_s << u"mp4"_s << u"a.mp4"_s;
-    QTest::newRow("a second one") << u"/v/a.mov"_s << u"mp4"_s << u"/v/a.mov.mp4"_s;
-    QTest::newRow("folder") << u"/v/"_s << u"mp4"_s << u"/v.mp4"_s;
-    QTest::newRow("empty extension") << u"a"_s << u""_s << u"a"_s;
-    QTest::newRow("space in the extension") << u"a"_s << u"m p"_s << u"a"_s;
-    QTest::newRow("slash in the extension") << u"a"_s << u"m/p"_s << u"a"_s;
-    QTest::newRow("bidi control in the extension") << u"a"_s << u"m\u202Ep"_s << u"a"_s;
-    QTest::newRow("root") << u"/"_s << u"mp4"_s << u"/"_s;
-    QTest::newRow("no name") << u""_s << u"mp4"_s << u""_s;
-}
-
-void PathsTest::appendsExtensions()
-{
-    QFETCH(QString, path);
-    QFETCH(QString, extension);
-    QFETCH(QString, with);
-    QCOMPARE(appendingPathExtension(path, extension), with);
 }
 
 void PathsTest::makesPathsAbsolute_data()

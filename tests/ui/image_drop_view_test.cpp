@@ -1,5 +1,6 @@
 #include "support/test_case.h"
 #include "ui/image_drop_view.h"
+#include "ui/view_styling.h"
 
 #include <QApplication>
 #include <QScreen>
@@ -75,6 +76,7 @@ private Q_SLOTS:
     void showsNothingWithoutAnImage();
     void ignoresTheResolutionOfTheFile();
     void takesTheRoomThatIsThere();
+    void isLayerBackedFromTheStart();
     void refusesToBeMadeWithAFrame();
 };
 
@@ -211,6 +213,13 @@ void ImageDropViewTest::takesTheRoomThatIsThere()
     QVERIFY(view.minimumSizeHint().width() <= view.sizeHint().width());
     QCOMPARE(view.sizePolicy().horizontalPolicy(), QSizePolicy::Expanding);
     QCOMPARE(view.sizePolicy().verticalPolicy(), QSizePolicy::Expanding);
+}
+
+void ImageDropViewTest::isLayerBackedFromTheStart()
+{
+    ImageDropView view;
+    QVERIFY(ViewStyling(&view).wantsLayer());
+    QVERIFY(!view.graphicsEffect()); // there is nothing to paint yet
 }
 
 void ImageDropViewTest::refusesToBeMadeWithAFrame()

@@ -86,7 +86,7 @@ void AppDelegate::showAlert(const QString &message, const QString &information)
 
 bool AppDelegate::isBusy() const
 {
-    return m_isOpening || m_panelIsUp || BusyInput::isBusy() || progressWindow->isVisible();
+    return m_isOpening || m_panelIsUp || m_outputGuard || BusyInput::isBusy() || progressWindow->isVisible();
 }
 
 } // namespace tessaly

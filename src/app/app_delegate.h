@@ -64,6 +64,9 @@ public:
     std::shared_ptr<const FileProbe> globalFP;    // the file that was opened last, also a refused one
     std::shared_ptr<ConverterRun> globalProcess;  // the current or the last converter
     std::optional<bool> isProcessCancelledByUser; // absent before the first job
+    // How long the prober may take for a file, and a cancelled converter to end, until they are killed.
+    std::chrono::milliseconds proberPatience = proberTimeLimit;
+    std::chrono::milliseconds cancelPatience = ConverterRun::cancelPatience;
     Outlet<ImageDropView> posterView{"posterView"};
     Outlet<Slider> posterPositionSlider{"posterPositionSlider"};
     Outlet<QAction> posterPositionSliderTBI{"posterPositionSliderTBI"};
@@ -99,7 +102,8 @@ public:
     void removeTemporaryWorkspace();
     void showHelp();
     void showAlert(const QString &message, const QString &information);
-    // Whether a sheet that follows work, a panel or a probe is up, so that nothing may be opened or saved.
+    // Whether a sheet that follows work, a panel or a probe is up, or a job is on its way to its sheet, so
+    // that nothing may be opened or saved.
     bool isBusy() const;
 
     // Opening (open_video.cpp).
@@ -138,6 +142,8 @@ public:
 
     // Ends the program as soon as what runs has been stopped and cleaned up. Any thread.
     void endSoon();
+    // Installed on the application, does so when that is told to quit, as at the end of a session.
+    bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
     void connectOutlets(MainWindow *form);
@@ -156,7 +162,7 @@ private:
     QString m_lastVideoFolder; // where the open panel starts
     // Of the running job.
     ResizeTarget m_target;
-    std::optional<OutputGuard> m_outputGuard;
+    std::optional<OutputGuard> m_outputGuard; // from its start until its report
     RemainingTime m_remainingTime;
     QElapsedTimer m_jobTime;
     std::optional<SleepInhibitor> m_sleepInhibitor;

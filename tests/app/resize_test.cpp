@@ -1,6 +1,7 @@
 // Save, conversion, cancel and report, with a converter that does as it is told.
 #include "app/app_harness.h"
 #include "platform/printing.h"
+#include "support/seen.h"
 #include "support/test_case.h"
 
 #include <QStatusBar>
@@ -107,6 +108,7 @@ private Q_SLOTS:
             QFile::remove(output());
             app->answerAlertWithoutWaiting(response);
             QTRY_VERIFY(app->alert() && app->alertText().contains("out.mp4"_L1));
+            seen(u"%1: %2"_s.arg(response == 1001 ? u"reveal"_s : u"play"_s, app->alertText()));
             app->answerAlert();
         }
     }
@@ -242,6 +244,7 @@ private Q_SLOTS:
         app->type(app->delegate.widthTF.get(), u"321"_s);
         app->saveTo(output());
         QTRY_VERIFY(app->alert());
+        seen(app->tools.calls(u"creator"_s).last().filter(u"scale"_s).join(u' '));
         QVERIFY(app->tools.calls(u"creator"_s).last().contains(u"scale=320:180,setsar=1:1"_s));
     }
 

@@ -64,6 +64,9 @@ public:
     std::shared_ptr<const FileProbe> globalFP;    // the file that was opened last, also a refused one
     std::shared_ptr<ConverterRun> globalProcess;  // the current or the last converter
     std::optional<bool> isProcessCancelledByUser; // absent before the first job
+    // How long the prober may take for a file, and a cancelled converter to end, until they are killed.
+    std::chrono::milliseconds proberPatience = proberTimeLimit;
+    std::chrono::milliseconds cancelPatience = ConverterRun::cancelPatience;
     Outlet<ImageDropView> posterView{"posterView"};
     Outlet<Slider> posterPositionSlider{"posterPositionSlider"};
     Outlet<QAction> posterPositionSliderTBI{"posterPositionSliderTBI"};
@@ -139,6 +142,8 @@ public:
 
     // Ends the program as soon as what runs has been stopped and cleaned up. Any thread.
     void endSoon();
+    // Installed on the application, does so when that is told to quit, as at the end of a session.
+    bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
     void connectOutlets(MainWindow *form);

@@ -4,6 +4,7 @@
 #include "platform/main_queue.h"
 
 #include <QCoreApplication>
+#include <QEvent>
 #include <QThreadPool>
 
 namespace tessaly {
@@ -43,7 +44,7 @@ void AppDelegate::showProgress(double percent)
 
 void AppDelegate::closeBTNInsideProgressWindowClicked(QObject *)
 {
-    globalProcess->requestStop();
+    globalProcess->requestStop(cancelPatience);
     isProcessCancelledByUser = true;
 }
 
@@ -62,6 +63,14 @@ void AppDelegate::endSoon()
     endAllRuns();
     // Not quit(), which asks the windows: a sheet that follows work refuses to be closed.
     asyncOnMainQueue(this, [] { QCoreApplication::exit(); });
+}
+
+// Qt would ask the windows, too, and a session does not wait for a sheet.
+bool AppDelegate::eventFilter(QObject *watched, QEvent *event)
+{
+    if (event->type() != QEvent::Quit) return QObject::eventFilter(watched, event);
+    endSoon();
+    return true;
 }
 
 // Blocks for as long as the converter takes to end, at most three seconds and a little.

@@ -20,6 +20,7 @@ int main(int argc, char *argv[])
     const TerminationWatch termination([&delegate] { delegate.endSoon(); });
     QObject::connect(application.get(), &QApplication::aboutToQuit, &delegate,
                      [&delegate] { delegate.applicationWillTerminate(&delegate); });
+    application->installEventFilter(&delegate);
     removeDeadSiblings();
     delegate.applicationDidFinishLaunching(application.get());
     window.show();

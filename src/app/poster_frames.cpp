@@ -4,6 +4,7 @@
 #include "app/app_delegate.h"
 #include "platform/bundle.h"
 #include "platform/child_process.h"
+#include "platform/own_folder.h"
 
 #include <QDir>
 #include <QImageReader>
@@ -30,9 +31,10 @@ QImage stillFromFile(const QString &path)
     return reader.read();
 }
 
+// A link in its place is removed, not followed.
 void remakeFolder(const QString &path)
 {
-    QDir(path).removeRecursively();
+    removeWhole(path);
     QDir().mkdir(path);
 }
 

@@ -1,13 +1,17 @@
 #include "app/app_harness.h"
 
+#include "platform/paths.h"
 #include "platform/temporary_directory.h"
 
 #include <QAbstractButton>
 #include <QDialogButtonBox>
 #include <QDropEvent>
+#include <QEventLoop>
 #include <QMessageBox>
 #include <QMimeData>
+#include <QStatusBar>
 #include <QTest>
+#include <QTimer>
 
 namespace tessaly::test {
 
@@ -60,6 +64,36 @@ void AppHarness::letConverterMakeStills()
     const QString path = folder.filePath(u"still.jpg"_s);
     if (!still.save(path)) qFatal("A still could not be made");
     tools.setBehaviour(u"creator"_s, u"copy-to-output"_s, {path});
+}
+
+QString AppHarness::copyOfClip(const QString &clip, const QString &name)
+{
+    const QString path = folder.filePath(name);
+    if (!QFile::copy(QStringLiteral(TESSALY_MEDIA_FOLDER "/") + clip, path)) qFatal("A clip is missing");
+    return path;
+}
+
+void AppHarness::useRealConverter()
+{
+    tools.setBehaviour(u"creator"_s, u"become"_s, {FakeTools::realTool(u"creator"_s)});
+    tools.forgetCalls(u"creator"_s);
+}
+
+void AppHarness::openForReal(const QString &path)
+{
+    useRealProber();
+    delegate.openVideo(fileURL(path));
+    useRealConverter();
+}
+
+void AppHarness::inEventLoop(const std::function<void()> &work)
+{
+    QEventLoop loop;
+    QTimer::singleShot(0, &loop, [&] {
+        work();
+        loop.quit();
+    });
+    loop.exec();
 }
 
 void AppHarness::drop(const QString &path)
@@ -132,6 +166,13 @@ void AppHarness::answerAlertWithoutWaiting(int response)
 {
     QTest::mouseClick(alert()->findChild<QAbstractButton *>(u"alertButton%1"_s.arg(response)),
                       Qt::LeftButton);
+}
+
+QString AppHarness::told() const
+{
+    const QString status = find<QStatusBar>("statusBar")->currentMessage();
+    const QString text = alertText().replace(u'\n', u' ');
+    return status.isEmpty() ? text : text + u" | "_s + status;
 }
 
 void AppHarness::type(NumberField *field, const QString &text)

@@ -7,6 +7,8 @@
 #include <QFileDialog>
 #include <QTemporaryDir>
 
+#include <functional>
+
 namespace tessaly::test {
 
 class AppHarness
@@ -31,6 +33,14 @@ public:
     // Lets the converter make a still picture of one colour for every frame.
     void letConverterMakeStills();
 
+    // A copy of one of the clips, among the test's files; its path.
+    QString copyOfClip(const QString &clip, const QString &name);
+    // From here on the real tools run; the starts of the converter are still noted.
+    void useRealProber() { tools.useRealTool(QStringLiteral("sniffer")); }
+    void useRealConverter();
+    // The real prober opens the file, whose stills are not made; the real converter is ready.
+    void openForReal(const QString &path);
+
     // Opens a file as a drop does; back when the window takes input again.
     void drop(const QString &path);
     // A file of this size, opened.
@@ -41,6 +51,9 @@ public:
     {
         return window.findChild<T *>(QLatin1StringView(name));
     }
+
+    // Does it as when the program runs: inside an event loop.
+    static void inEventLoop(const std::function<void()> &work);
 
     // The open or save panel that is up, or null.
     QFileDialog *panel() const;
@@ -55,6 +68,9 @@ public:
     QStringList alertButtons() const;      // titles in the order of their response codes
     void answerAlert(int response = 1000); // clicks; back when it is gone
     void answerAlertWithoutWaiting(int response);
+
+    // The alert's text in one line, and the status line's behind it.
+    QString told() const;
 
     // Replaces the field's text by typing; Return is another matter.
     void type(NumberField *field, const QString &text);

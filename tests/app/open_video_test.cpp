@@ -1,6 +1,7 @@
 // Opening a video by drop and by panel.
 #include "app/app_harness.h"
 #include "platform/printing.h"
+#include "support/seen.h"
 #include "support/test_case.h"
 
 #include <QMimeData>
@@ -196,6 +197,7 @@ private Q_SLOTS:
         app->drop(app->makeFile(u"clip.vob"_s));
         QVERIFY(app->alert());
         app->openSize(640, 360);
+        seen(u"dropped under an alert: %1"_s.arg(app->delegate.inputLBL->text()));
         QCOMPARE(app->delegate.inputLBL->text(), u"Input: 640 x 360"_s);
     }
 
@@ -258,6 +260,7 @@ private Q_SLOTS:
         data.setData(u"text/uri-list"_s, "file://" + name.toPercentEncoding("/") + "\r\n");
         AppHarness::sendDrop(app->delegate.posterView.get(), data);
         QTRY_VERIFY(app->alert());
+        seen(app->told());
         QVERIFY(app->alertText().contains("not valid UTF-8"_L1));
         QVERIFY(!app->delegate.globalFP);
     }

@@ -2,6 +2,7 @@
 #include "app/app_harness.h"
 #include "platform/printing.h"
 #include "platform/temporary_directory.h"
+#include "support/seen.h"
 #include "support/test_case.h"
 
 #include <QPaintEvent>
@@ -73,6 +74,23 @@ private Q_SLOTS:
         QVERIFY(app->delegate.posterView->image().isNull());
         QVERIFY(app->find<QLabel>("dropHintLBL")->isVisible());
         QVERIFY(app->delegate.saveBTN->isEnabled()); // a video without stills can be resized all the same
+    }
+
+    void aFolderOfFramesThatBecameALinkIsNotFollowed()
+    {
+        QDir(app->folder.path()).mkdir(u"mine"_s);
+        const QString mine = app->makeFile(u"mine/letter.txt"_s);
+        const QString frames = NSTemporaryDirectory() + u"Images"_s;
+        QVERIFY(QFile::link(app->folder.filePath(u"mine"_s), frames));
+        app->letConverterMakeStills();
+        app->openSize(640, 360);
+        const QStringList left = QDir(app->folder.filePath(u"mine"_s)).entryList(QDir::Files);
+        seen(u"left in the folder of the link: %1; frames made: %2"_s.arg(left.join(u' '))
+                 .arg(QDir(frames).entryList(QDir::Files).size()));
+        QCOMPARE(left, QStringList(u"letter.txt"_s));
+        QVERIFY(!QFileInfo(frames).isSymLink());
+        QVERIFY(QFile::exists(frame(11)));
+        QVERIFY(QFile::exists(mine));
     }
 
     void aFrameThatCannotBeMadeIsMissingAndTheOthersCome()
@@ -147,7 +165,7 @@ private Q_SLOTS:
             QVERIFY(!app->delegate.progressCancel->isVisible());
         });
         observer.start(5);
-        runInLoop([this] { app->openSize(640, 360); });
+        AppHarness::inEventLoop([this] { app->openSize(640, 360); });
         QCOMPARE(seen.first(), u"Analyzing Video..."_s);
         for (int percent = 0; percent < 100; percent += 10)
             QVERIFY2(seen.contains(QString::number(percent)), qPrintable(seen.join(u' ')));
@@ -170,7 +188,7 @@ private Q_SLOTS:
             QVERIFY(app->delegate.progressWindow->isVisible());
             done = true;
         });
-        runInLoop([this] { app->openSize(640, 360); });
+        AppHarness::inEventLoop([this] { app->openSize(640, 360); });
         QVERIFY(done);
         QCoreApplication::processEvents();
         QVERIFY(!app->alert() && !app->panel());
@@ -186,7 +204,7 @@ private Q_SLOTS:
             QTest::keyClick(&app->window, Qt::Key_F1);
             app->drop(app->makeFile(u"other.mp4"_s));
         });
-        runInLoop([this] { app->drop(app->makeFile(u"clip.mp4"_s)); });
+        AppHarness::inEventLoop([this] { app->drop(app->makeFile(u"clip.mp4"_s)); });
         setPrintTarget(PrintTarget::standardOutput);
         QCOMPARE(app->tools.calls(u"sniffer"_s).size(), 1);
         QVERIFY(app->alertText().startsWith("Seems to be"_L1));
@@ -210,7 +228,7 @@ private Q_SLOTS:
         QTimer nudge;
         connect(&nudge, &QTimer::timeout, this, [this] { app->delegate.posterView->update(); });
         nudge.start(20);
-        runInLoop([this] { app->openSize(640, 360); });
+        AppHarness::inEventLoop([this] { app->openSize(640, 360); });
         QVERIFY2(paints > 5, qPrintable(QString::number(paints)));
     }
 
@@ -223,18 +241,6 @@ private Q_SLOTS:
         QVERIFY(still.save(frame(6)));
         app->delegate.showPosterFrame(6);
         QCOMPARE(app->delegate.posterView->image().size(), QSize(3840, 76));
-    }
-
-private:
-    // As when the program runs: the work is done inside an event loop.
-    void runInLoop(const std::function<void()> &work)
-    {
-        QEventLoop loop;
-        QTimer::singleShot(0, &loop, [&] {
-            work();
-            loop.quit();
-        });
-        loop.exec();
     }
 };
 

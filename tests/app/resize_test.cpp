@@ -3,6 +3,7 @@
 #include "platform/busy_input.h"
 #include "platform/child_process.h"
 #include "platform/printing.h"
+#include "support/seen.h"
 #include "support/test_case.h"
 
 #include <QEventLoop>
@@ -115,6 +116,7 @@ private Q_SLOTS:
             QFile::remove(output());
             app->answerAlertWithoutWaiting(response);
             QTRY_VERIFY(app->alert() && app->alertText().contains("out.mp4"_L1));
+            seen(u"%1: %2"_s.arg(response == 1001 ? u"reveal"_s : u"play"_s, app->alertText()));
             app->answerAlert();
         }
     }
@@ -271,6 +273,7 @@ private Q_SLOTS:
         app->type(app->window.findChild<NumberField *>(field), typed);
         app->saveTo(output());
         QTRY_VERIFY(app->alert());
+        seen(app->tools.calls(u"creator"_s).last().filter(u"scale"_s).join(u' '));
         QVERIFY(app->tools.calls(u"creator"_s).last().contains(u"scale=320:180,setsar=1:1"_s));
     }
 

@@ -3,11 +3,15 @@
 #include "e2e/processes.h"
 #include "e2e/screen_reader.h"
 #include "e2e/tasks.h"
+#include "support/seen.h"
+
+#include <QElapsedTimer>
 
 #include <csignal>
 
 using namespace Qt::StringLiterals;
 using namespace tessaly::e2e;
+using tessaly::test::seen;
 
 class CancellingTest : public EndToEndCase
 {
@@ -58,6 +62,9 @@ void CancellingTest::cancelsInTheMiddle()
     QVERIFY(byKey ? tessaly.press({u"Escape"_s}) : tessaly.click(Role::button, u"Cancel"_s));
     QTRY_VERIFY_WITH_TIMEOUT(!tessaly.shows(Role::label, u"Resizing Video..."_s), workTime);
     QTRY_VERIFY(!QFile::exists(output));
+    seen(u"%1 children left, output %2, %3"_s.arg(runningMediaTools().size())
+             .arg(QFile::exists(output) ? u"there"_s : u"gone"_s,
+                  tessaly.shows(Role::alert) ? tessaly.labelsIn(Role::alert).join(u' ') : u"no alert"_s));
     QVERIFY(runningMediaTools().isEmpty());
     // The next sheet is the one that was asked for, and no other.
     QVERIFY(tessaly.press({u"F1"_s}));
@@ -73,6 +80,7 @@ void CancellingTest::endsSoonWhenAskedToWhileConverting_data()
     QTest::addColumn<int>("signal");
     QTest::newRow("SIGTERM") << SIGTERM;
     QTest::newRow("SIGINT") << SIGINT;
+    QTest::newRow("SIGHUP") << SIGHUP; // the end of a login session
 }
 
 void CancellingTest::endsSoonWhenAskedToWhileConverting()
@@ -82,7 +90,15 @@ void CancellingTest::endsSoonWhenAskedToWhileConverting()
     Program &tessaly = convertingTo(output);
     QVERIFY(isInTheMiddle(tessaly, output));
     tessaly.send(signal);
+    QElapsedTimer clock;
+    clock.start();
     QTRY_VERIFY_WITH_TIMEOUT(tessaly.hasEnded(), 5000);
+    seen(u"ended after %1 ms with status %2, %3 children left, output %4, %5 temporary files"_s
+             .arg(clock.elapsed())
+             .arg(tessaly.exitStatus())
+             .arg(runningMediaTools().size())
+             .arg(QFile::exists(output) ? u"there"_s : u"gone"_s)
+             .arg(temporaryFiles().size()));
     QVERIFY(runningMediaTools().isEmpty());
     QVERIFY(!QFile::exists(output));
     QCOMPARE(temporaryFiles(), QStringList());

@@ -2,9 +2,11 @@
 #include "e2e/end_to_end_case.h"
 #include "e2e/media_facts.h"
 #include "e2e/tasks.h"
+#include "support/seen.h"
 
 using namespace Qt::StringLiterals;
 using namespace tessaly::e2e;
+using tessaly::test::seen;
 
 class DroppingTest : public EndToEndCase
 {
@@ -109,6 +111,9 @@ void DroppingTest::opensTheFirstFile()
     Program &source = start(u"../tests/bin/drag_source"_s, {.arguments = files});
     QVERIFY(drag(source, tessaly, u"copy"_s));
     QTRY_VERIFY_WITH_TIMEOUT(tessaly.shows(Role::label, u"Input: 640 x 360"_s), workTime);
+    seen(u"source told: %1; opened: %2; %3 frames"_s
+             .arg(answerOf(source).section(u'\n', -1), tessaly.find(Role::frame)->name())
+             .arg(posterFrames().size()));
     QVERIFY(tessaly.isEnabled(Role::button, u"Save"_s));
     QVERIFY(!tessaly.shows(Role::alert));
     QCOMPARE(posterFrames().size(), 11);
@@ -131,7 +136,11 @@ void DroppingTest::takesNothingElse()
     // The window answers to what comes next, and to nothing before.
     QVERIFY(tessaly.press({u"F1"_s}));
     QCOMPARE(waitForAlert(tessaly).value(0), u"Questions?"_s);
-    QVERIFY(tessaly.shows(Role::label, u"Input: 0 x 0"_s));
+    const bool nothingOpen = tessaly.shows(Role::label, u"Input: 0 x 0"_s);
+    seen(u"source told: %1; %2 frames, %3"_s.arg(answerOf(source).section(u'\n', -1))
+             .arg(posterFrames().size())
+             .arg(nothingOpen ? u"Input: 0 x 0"_s : u"something opened"_s));
+    QVERIFY(nothingOpen);
     QVERIFY(posterFrames().isEmpty());
 }
 
@@ -142,6 +151,8 @@ void DroppingTest::reportsACopyWhenAMoveIsOffered()
     Program &source = start(u"../tests/bin/drag_source"_s, {.arguments = {u"--move"_s, path}});
     QVERIFY(drag(source, tessaly, u"copy"_s));
     QTRY_VERIFY_WITH_TIMEOUT(tessaly.shows(Role::label, u"Input: 640 x 360"_s), workTime);
+    seen(u"source told: %1; file %2"_s.arg(answerOf(source).section(u'\n', -1),
+                                           QFile::exists(path) ? u"still there"_s : u"DELETED"_s));
     QCOMPARE(checksum(path), checksum(clip(u"plain.mp4"_s)));
 }
 

@@ -2,11 +2,15 @@
 #include "e2e/end_to_end_case.h"
 #include "e2e/processes.h"
 #include "e2e/tasks.h"
+#include "support/seen.h"
+
+#include <QElapsedTimer>
 
 #include <csignal>
 
 using namespace Qt::StringLiterals;
 using namespace tessaly::e2e;
+using tessaly::test::seen;
 
 class OpeningTest : public EndToEndCase
 {
@@ -80,7 +84,13 @@ void OpeningTest::endsSoonWhenAskedToWhileAnalyzing()
     QTRY_VERIFY_WITH_TIMEOUT(!posterFrames().isEmpty(), workTime);
     QVERIFY(tessaly.shows(Role::label, u"Analyzing Video..."_s));
     tessaly.send(SIGTERM);
+    QElapsedTimer clock;
+    clock.start();
     QTRY_VERIFY_WITH_TIMEOUT(tessaly.hasEnded(), 3000);
+    seen(u"ended after %1 ms with status %2, %3 children left, %4 temporary files"_s.arg(clock.elapsed())
+             .arg(tessaly.exitStatus())
+             .arg(runningMediaTools().size())
+             .arg(temporaryFiles().size()));
     QVERIFY(runningMediaTools().isEmpty());
     QCOMPARE(temporaryFiles(), QStringList());
 }
@@ -94,9 +104,11 @@ void OpeningTest::copiesKeepTheirOwnFrames()
 
     Program &second = launch();
     QVERIFY(openVideo(second, clip(u"portrait.mp4"_s), u"360 x 640"_s));
-    QCOMPARE(posterFrames().size(), 22);
+    const qsizetype framesOfBoth = posterFrames().size();
+    QCOMPARE(framesOfBoth, 22);
     QVERIFY(second.press({u"ctrl+q"_s}));
     QTRY_VERIFY(second.hasEnded());
+    seen(u"%1 frames of both, %2 when the second had ended"_s.arg(framesOfBoth).arg(posterFrames().size()));
     QCOMPARE(posterFrames(), framesOfFirst);
 }
 
@@ -106,10 +118,13 @@ void OpeningTest::nextLaunchRemovesWhatAKilledCopyLeft()
     QVERIFY(openVideo(killed, clip(u"plain.mp4"_s), u"640 x 360"_s));
     killed.send(SIGKILL);
     QTRY_VERIFY(killed.hasEnded());
-    QCOMPARE(posterFrames().size(), 11);
+    const qsizetype left = posterFrames().size();
+    QCOMPARE(left, 11);
 
     launch();
     QTRY_COMPARE(posterFrames(), QStringList());
+    seen(u"%1 frames left by the killed copy, %2 after the next launch"_s.arg(left).arg(
+        posterFrames().size()));
 }
 
 TESSALY_TEST_MAIN(OpeningTest)

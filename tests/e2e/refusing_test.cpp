@@ -4,11 +4,13 @@
 #include "e2e/processes.h"
 #include "e2e/small_disk.h"
 #include "e2e/tasks.h"
+#include "support/seen.h"
 
 #include <unistd.h>
 
 using namespace Qt::StringLiterals;
 using namespace tessaly::e2e;
+using tessaly::test::seen;
 
 class RefusingTest : public EndToEndCase
 {
@@ -18,6 +20,8 @@ private Q_SLOTS:
     void neverWritesOverTheInput_data();
     void neverWritesOverTheInput();
     void tellsThatTheDiskIsFull();
+    void opensWithoutStillsWhenTheTemporaryFolderIsFull_data();
+    void opensWithoutStillsWhenTheTemporaryFolderIsFull();
 };
 
 void RefusingTest::neverWritesOverTheInput_data()
@@ -64,12 +68,41 @@ void RefusingTest::tellsThatTheDiskIsFull()
     if (!disk.isMounted()) QVERIFY(tessaly.click(Role::button, u"Replace"_s));
     const QStringList labels = waitForAlert(tessaly);
     QCOMPARE(labels.value(0), u"Video could not be resized."_s);
+    seen(u"%1; input %2"_s.arg(labels.mid(0, 2).join(u' '),
+                               checksum(input) == before ? u"unchanged"_s : u"CHANGED"_s));
     QVERIFY2(labels.value(1).contains("full"_L1), qPrintable(labels.join(u'\n')));
     if (disk.isMounted()) QVERIFY(disk.isEmptyFor(tessaly.id()));
     QVERIFY(tessaly.click(Role::button, u"OK"_s));
     QTRY_VERIFY(!tessaly.shows(Role::alert));
     QVERIFY(runningMediaTools().isEmpty());
     QCOMPARE(checksum(input), before);
+}
+
+void RefusingTest::opensWithoutStillsWhenTheTemporaryFolderIsFull_data()
+{
+    QTest::addColumn<int>("room"); // bytes
+    QTest::newRow("from the beginning") << 0;
+    QTest::newRow("while the stills are made") << 8192;
+}
+
+void RefusingTest::opensWithoutStillsWhenTheTemporaryFolderIsFull()
+{
+    QFETCH(int, room);
+    const SmallDisk disk(file(u"small"_s));
+    QProcessEnvironment environment;
+    environment.insert(u"TMPDIR"_s, file(u"small"_s));
+    Program &tessaly = launch({.environment = environment, .beforeStart = disk.mountingWith(room)});
+    QVERIFY(openVideo(tessaly, clip(u"plain.mp4"_s), u"640 x 360"_s));
+    const bool noPicture = tessaly.shows(Role::label, u"Drop a video here, or press Ctrl+O to open one"_s);
+    seen(u"%1: Input: 640 x 360, save %2, %3, %4"_s.arg(
+        disk.isMounted() ? u"tmpfs"_s : u"size limit"_s,
+        tessaly.isEnabled(Role::button, u"Save"_s) ? u"enabled"_s : u"disabled"_s,
+        noPicture ? u"no still shown"_s : u"a still shown"_s,
+        tessaly.shows(Role::alert) ? tessaly.labelsIn(Role::alert).join(u' ') : u"no alert"_s));
+    QVERIFY(noPicture);
+    QVERIFY(!tessaly.shows(Role::alert));
+    QVERIFY(!tessaly.shows(Role::label, u"Analyzing Video..."_s));
+    QVERIFY(runningMediaTools().isEmpty());
 }
 
 TESSALY_TEST_MAIN(RefusingTest)

@@ -3,6 +3,7 @@
 #include "e2e/media_facts.h"
 #include "e2e/processes.h"
 #include "e2e/tasks.h"
+#include "support/seen.h"
 
 #include <QRegularExpression>
 
@@ -12,6 +13,7 @@
 
 using namespace Qt::StringLiterals;
 using namespace tessaly::e2e;
+using tessaly::test::seen;
 
 class ResizingTest : public EndToEndCase
 {
@@ -25,6 +27,7 @@ private Q_SLOTS:
     void mixesSurroundSoundDownToStereo();
     void addsTheExtensionToAName();
     void handsOnNamesLiterally();
+    void terminalDoesNotReachTheConverter_data();
     void terminalDoesNotReachTheConverter();
 };
 
@@ -41,7 +44,7 @@ bool isReport(const QString &text, const QString &input, const QString &output)
     return pattern.match(text).hasMatch();
 }
 
-// A terminal in which a program runs in the foreground.
+// A terminal in which a program runs, in the foreground or behind another one that has it.
 class Terminal
 {
 public:
@@ -53,11 +56,25 @@ public:
     }
     bool isOpen() const { return m_isOpen; }
     // In the new process: its terminal, and its standard input.
-    void take() const
+    void take(bool inTheBackground) const
     {
         ::setsid();
         ::ioctl(m_program, TIOCSCTTY, 0);
         ::dup2(m_program, STDIN_FILENO);
+        if (!inTheBackground) return;
+        const pid_t other = ::fork();
+        if (other == 0) {
+            ::setpgid(0, 0);
+            ::close_range(0, ~0U, 0);
+            for (;;)
+                ::pause(); // the terminal's end ends it
+        }
+        ::setpgid(other, other);
+        ::tcsetpgrp(m_program, other);
+    }
+    bool isInTheForeground(qint64 program) const
+    {
+        return ::tcgetpgrp(m_hand) == ::getpgid(static_cast<pid_t>(program));
     }
     bool type(const QByteArray &keys) const
     {
@@ -185,13 +202,23 @@ void ResizingTest::handsOnNamesLiterally()
     QCOMPARE(mediaFacts(output).size, QSize(128, 72));
 }
 
-// A converter that read the terminal would stop at a "q" with a shortened file.
+void ResizingTest::terminalDoesNotReachTheConverter_data()
+{
+    QTest::addColumn<bool>("inTheBackground");
+    QTest::newRow("in the foreground") << false;
+    QTest::newRow("in the background") << true;
+}
+
+// A converter that read the terminal would stop at a "q" with a shortened file, and one in the background
+// would be suspended.
 void ResizingTest::terminalDoesNotReachTheConverter()
 {
+    QFETCH(bool, inTheBackground);
     const Terminal terminal;
     QVERIFY(terminal.isOpen());
     const QString output = file(u"whole.mp4"_s);
-    Program &tessaly = launch({.beforeStart = [&terminal] { terminal.take(); }});
+    Program &tessaly = launch({.beforeStart = [&] { terminal.take(inTheBackground); }});
+    QCOMPARE(terminal.isInTheForeground(tessaly.id()), !inTheBackground);
     QVERIFY(openVideo(tessaly, clip(u"long.mp4"_s), u"1280 x 720"_s));
     QVERIFY(setPercent(tessaly, 10));
     QVERIFY(chooseOutput(tessaly, output));
@@ -201,8 +228,13 @@ void ResizingTest::terminalDoesNotReachTheConverter()
     };
     QTRY_VERIFY_WITH_TIMEOUT(converted() > 0, workTime);
     QVERIFY(terminal.type("q\nq\n"));
-    QCOMPARE(waitForAlert(tessaly).value(0), success);
-    QVERIFY(qAbs(mediaFacts(output).seconds - 30) < 0.3);
+    const QString told = waitForAlert(tessaly).value(0);
+    const double seconds = mediaFacts(output).seconds;
+    seen(u"%1 terminal's foreground; %2 The new video has %3 of 30 s"_s
+             .arg(terminal.isInTheForeground(tessaly.id()) ? u"in the"_s : u"not in the"_s, told)
+             .arg(seconds));
+    QCOMPARE(told, success);
+    QVERIFY(qAbs(seconds - 30) < 0.3);
 }
 
 TESSALY_TEST_MAIN(ResizingTest)

@@ -2,9 +2,11 @@
 
 #include <QDir>
 
+#include <csignal>
 #include <fcntl.h>
 #include <sched.h>
 #include <sys/mount.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -40,6 +42,20 @@ bool mountOn(const QByteArray &folder)
            ::mount("tmpfs", folder.constData(), "tmpfs", 0, "size=256k") == 0;
 }
 
+// Writes until nothing more fits, then gives some bytes back.
+bool fill(const QByteArray &path, qint64 freeBytes)
+{
+    static const char block[4096] = {};
+    const int file = ::open(path.constData(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600);
+    if (file < 0) return false;
+    off_t size = 0;
+    for (ssize_t written = 0; (written = ::write(file, block, sizeof block)) > 0;)
+        size += written;
+    const bool isFilled = size > freeBytes && ::ftruncate(file, size - freeBytes) == 0;
+    ::close(file);
+    return isFilled;
+}
+
 bool canMountOn(const QByteArray &folder)
 {
     const pid_t trial = ::fork();
@@ -64,6 +80,21 @@ std::function<void()> SmallDisk::mounting() const
     if (!m_isMounted) return {};
     return [folder = QFile::encodeName(m_folder)] {
         if (!mountOn(folder)) ::_exit(1);
+    };
+}
+
+std::function<void()> SmallDisk::mountingWith(qint64 freeBytes) const
+{
+    const QByteArray folder = QFile::encodeName(m_folder);
+    if (!m_isMounted) {
+        return [freeBytes] {
+            const rlimit limit{rlim_t(freeBytes), rlim_t(freeBytes)};
+            ::signal(SIGXFSZ, SIG_IGN);
+            if (::setrlimit(RLIMIT_FSIZE, &limit) != 0) ::_exit(1);
+        };
+    }
+    return [folder, filler = folder + "/filler", freeBytes] {
+        if (!mountOn(folder) || !fill(filler, freeBytes)) ::_exit(1);
     };
 }
 

@@ -19,6 +19,9 @@ public:
     bool isMounted() const { return m_isMounted; }
     // For the program's options.
     std::function<void()> mounting() const;
+    // The same with a disk on which only so many bytes are free. Where nobody can mount, no file of the
+    // program may grow beyond them.
+    std::function<void()> mountingWith(qint64 freeBytes) const;
     // A file that does not fit.
     QString output() const;
     // Whether it holds nothing, as that program sees it.

@@ -5,6 +5,7 @@
 #include "jobs/output_guard.h"
 #include "jobs/resize_arguments.h"
 #include "support/fake_tools.h"
+#include "support/ordinary_user.h"
 #include "support/test_case.h"
 
 #include <QDir>
@@ -34,22 +35,6 @@ void write(const QString &path, const QByteArray &bytes)
     QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
     QCOMPARE(file.write(bytes), bytes.size());
 }
-
-// As an ordinary user while it lives, where the tests run as root.
-class OrdinaryUser
-{
-public:
-    OrdinaryUser() : m_wasRoot(::geteuid() == 0 && ::seteuid(65534) == 0) {}
-    ~OrdinaryUser()
-    {
-        if (m_wasRoot && ::seteuid(0) != 0) qFatal("cannot become root again");
-    }
-    OrdinaryUser(const OrdinaryUser &) = delete;
-    OrdinaryUser &operator=(const OrdinaryUser &) = delete;
-
-private:
-    bool m_wasRoot;
-};
 
 struct Job
 {
@@ -171,7 +156,7 @@ void TestJobEnd::failsWithoutPermission()
     allow(folder.path(), 0555);
     allow(tools.folder(), 0755);
     {
-        const OrdinaryUser user;
+        const test::OrdinaryUser user;
         const auto unwritable = resize(clip, folder.filePath(u"out.mp4"_s), 320, 180).failure;
         const auto unreadable = resize(hidden, folder.filePath(u"never.mp4"_s), 320, 180).failure;
         QCOMPARE(unwritable.value().sentence, u"You do not have permission to write the new video there."_s);

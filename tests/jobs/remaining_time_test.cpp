@@ -1,5 +1,6 @@
 #include "captured_text.h"
 #include "jobs/progress.h"
+#include "support/seen.h"
 #include "support/test_case.h"
 
 #include <QRandomGenerator>
@@ -127,6 +128,7 @@ void TestRemainingTime::leavesOutWhatIsNoProgress()
     const QList<double> good{4, 8, 12, 16, 20, 24, 28};
     const QStringList expected = textsOf(good, 1500);
     QCOMPARE(expected.last(), u"28 % - about 25 seconds left"_s);
+    QString last;
     for (qsizetype place = odd < 4 && odd > 0 ? 1 : 0; place < good.size(); ++place) {
         RemainingTime line;
         for (qsizetype i = 0; i < good.size(); ++i) {
@@ -138,8 +140,11 @@ void TestRemainingTime::leavesOutWhatIsNoProgress()
             }
             line.addReading(good.at(i), milliseconds(elapsed));
             QCOMPARE(line.text(), expected.at(i));
+            last = line.text();
         }
     }
+    test::seen(u"with a reading of %1 %: \"%2\"; without: \"%3\""_s.arg(QString::number(odd), last,
+                                                                        expected.last()));
 }
 
 void TestRemainingTime::doesNotBelieveWhatIsFarTooLargeTwice()

@@ -70,6 +70,8 @@ private Q_SLOTS:
                                           << ""_ba;
         QTest::newRow("complain") << Steps{{u"complain"_s, u"no"_s}} << 0 << ""_ba
                                   << "no"_ba;
+        QTest::newRow("complain-file")
+            << Steps{{u"complain-file"_s, file}} << 0 << ""_ba << QByteArray("\r\n\0x", 4);
         QTest::newRow("progress") << Steps{{u"progress"_s, u"1"_s, u"time=1\r"_s, u"time=2\r"_s}} << 0
                                   << ""_ba
                                   << "time=1\rtime=2\r"_ba;

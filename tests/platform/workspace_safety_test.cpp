@@ -1,4 +1,5 @@
 #include "platform/workspace_test_case.h"
+#include "support/seen.h"
 
 namespace tessaly::test {
 
@@ -48,6 +49,8 @@ private Q_SLOTS:
         QVERIFY(QDir().rmdir(folder));
         QVERIFY(QFile::link(outside, folder.chopped(1)));
         removeTemporaryDirectory();
+        seen(u"the link is %1; behind it: %2"_s.arg(
+            QFileInfo(folder.chopped(1)).isSymLink() ? u"there"_s : u"gone"_s, contents(outside).join(u' ')));
         QVERIFY(!QFileInfo(folder.chopped(1)).isSymLink());
         QCOMPARE(contents(outside), QStringList(u"file"_s));
     }
@@ -69,6 +72,9 @@ private Q_SLOTS:
         const QString elsewhere = NSTemporaryDirectory();
         QVERIFY(elsewhere.startsWith(userFolder + u'-'));
         QVERIFY(isPrivateFolder(elsewhere.chopped(1)));
+        seen(u"behind the link before: %1; after: %2; now used: %3"_s.arg(
+            before.join(u' '), contents(outside).join(u' '),
+            QFileInfo(elsewhere.chopped(1)).path().section(u'/', -1)));
         QVERIFY(QFile::exists(outside + u'/' + name + "/file"_L1));
         QCOMPARE(contents(outside), before);
     }
@@ -111,6 +117,8 @@ private Q_SLOTS:
         QVERIFY(QDir().rmdir(crashed.folder));
         QVERIFY(QFile::link(outside, crashed.folder.chopped(1)));
         removeDeadSiblings();
+        seen(u"left of the crash: %1; behind the link: %2"_s.arg(contents(userFolder).size())
+                 .arg(contents(outside).join(u' ')));
         QVERIFY(contents(userFolder).isEmpty());
         QCOMPARE(contents(outside), QStringList(u"file"_s));
     }

@@ -218,6 +218,7 @@ const std::map<std::string, std::function<void(const Texts &)>> behaviours = {
     {"open-brace", [](const Texts &) { send(STDOUT_FILENO, "{\n"); }},
     {"print-input-kind", [](const Texts &) { send(STDOUT_FILENO, standardInput()); }},
     {"complain", [](const Texts &p) { send(STDERR_FILENO, p.at(0)); }},
+    {"complain-file", [](const Texts &p) { send(STDERR_FILENO, contents(p.at(0))); }},
     {"progress", progress},
     {"flood-stdout", [](const Texts &p) { flood(STDOUT_FILENO, std::stoll(p.at(0))); }},
     {"flood-stderr", [](const Texts &p) { flood(STDERR_FILENO, std::stoll(p.at(0))); }},

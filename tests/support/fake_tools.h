@@ -4,7 +4,7 @@
 //   print TEXT, print-file FILE           to standard output
 //   rubbish, invalid-utf8, open-brace     to standard output: what a broken prober may print
 //   print-input-kind                      to standard output: "null device", "ended", "open" or "closed"
-//   complain TEXT                         to standard error
+//   complain TEXT, complain-file FILE     to standard error
 //   progress MILLISECONDS TEXT…           to standard error, each text in one write, with that pause after it
 //   flood-stdout BYTES, flood-stderr BYTES
 //   pause MILLISECONDS

@@ -1,4 +1,5 @@
 #include "platform/paths.h"
+#include "support/seen.h"
 #include "support/test_case.h"
 #include "ui/desktop_services.h"
 #include "ui/private_bus.h"
@@ -158,6 +159,10 @@ void DesktopServicesTest::opensTheFolderInstead()
     const QDBusConnection bus = connected ? m_ours : QDBusConnection(u"unconnected"_s);
     revealInFileManager(path(u"out.mp4"_s), recordFailure(), bus, 50ms);
     QTRY_COMPARE(m_opened, QList<QUrl>{fileURL(m_folder.path())});
+    test::seen(u"opened: %1; failures told: %2"_s
+                   .arg(m_opened.first() == fileURL(m_folder.path()) ? u"the folder of the file"_s
+                                                                     : m_opened.first().toString())
+                   .arg(m_failures.size()));
     QVERIFY(m_failures.isEmpty());
 }
 
@@ -206,6 +211,7 @@ void DesktopServicesTest::saysThatTheFileIsGone()
     } else {
         playInVideoPlayer(path(u"gone %1.mp4"_s), recordFailure());
     }
+    test::seen(m_failures.join(u' '));
     QCOMPARE(m_failures, QStringList{u"“gone %1.mp4” is no longer there. It was moved or deleted."_s});
     QVERIFY(!isWaiting());
     QVERIFY(m_opened.isEmpty());

@@ -1,5 +1,6 @@
 #include "platform/notification_center.h"
 #include "platform/paths.h"
+#include "support/seen.h"
 #include "support/test_case.h"
 #include "ui/drag.h"
 #include "ui/image_drop_view.h"
@@ -111,7 +112,10 @@ void DropOnViewTest::answersAtEntry()
     QFETCH(bool, welcome);
     const test::RawDrag data(list);
     Drag drag(m_view, data);
-    QCOMPARE(drag.enter(), welcome ? copied : refused);
+    const Answer answer = drag.enter();
+    test::seen(u"%1; announced: %2"_s.arg(answer.accepted ? u"accepted as a copy"_s : u"refused"_s)
+                   .arg(m_posted.size()));
+    QCOMPARE(answer, welcome ? copied : refused);
     drag.leave();
     QVERIFY(m_posted.isEmpty());
 }
@@ -192,7 +196,11 @@ void DropOnViewTest::neverReportsAMove()
     const test::RawDrag data(uri(u"clip.mp4"_s));
     Drag drag(m_view, data, offered, keys);
     const QList<Answer> onTheWay{drag.enter(), drag.move()};
-    QCOMPARE(drag.drop(), (Answer{true, reported}));
+    const Answer last = drag.drop();
+    test::seen(u"reported: %1; the file is %2"_s.arg(
+        last.action == Qt::CopyAction ? u"Copy"_s : QString::number(last.action),
+        QFile::exists(path(u"clip.mp4"_s)) ? u"there"_s : u"GONE"_s));
+    QCOMPARE(last, (Answer{true, reported}));
     for (const Answer &answer : onTheWay) {
         QVERIFY(answer.accepted);
         QVERIFY(offered.testFlag(answer.action));
@@ -239,6 +247,7 @@ void DropOnViewTest::aFileThatVanishedAfterEntryIsAnnounced()
     QCOMPARE(drag.enter(), copied);
     QVERIFY(QFile::remove(path(u"short-lived.mp4"_s)));
     QCOMPARE(drag.drop(), copied);
+    test::seen(u"announced: %1, for the alert of whoever opens it"_s.arg(m_posted.size()));
     QCOMPARE(m_posted.size(), 1); // whoever opens it says what is wrong
 }
 

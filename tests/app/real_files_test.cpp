@@ -229,7 +229,7 @@ private Q_SLOTS:
         app->delegate.saveResponse(1, output());
         QTRY_VERIFY(app->delegate.progressWindow->isVisible());
         while (app->delegate.progressWindow->isVisible()) {
-            const bool isBusy = app->delegate.progressBar->maximum() == 0;
+            const bool isBusy = app->delegate.progressBar->isBusy();
             const QString text =
                 isBusy ? u"busy"_s : QString::number(app->delegate.progressBar->doubleValue());
             for (const QString &what : {text, barDetail()})

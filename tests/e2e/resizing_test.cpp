@@ -62,7 +62,7 @@ public:
         ::ioctl(m_program, TIOCSCTTY, 0);
         ::dup2(m_program, STDIN_FILENO);
         if (!inTheBackground) return;
-        const pid_t other = ::fork();
+        const pid_t other = ::_Fork(); // what may follow a fork of threads
         if (other == 0) {
             ::setpgid(0, 0);
             ::close_range(0, ~0U, 0);

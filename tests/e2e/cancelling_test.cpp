@@ -129,7 +129,7 @@ void CancellingTest::tellsScreenReadersOfTheProgressAtACalmPace()
     const QList<Announcement> &told = reader.announcements();
     QTRY_COMPARE_WITH_TIMEOUT(told.size(), 2, workTime);
     QCOMPARE(told.at(0).teller, u"Resizing Video..."_s);
-    QCOMPARE_GT(told.at(0).value, 0.0);
+    QCOMPARE_GE(told.at(0).value, 0.0);
     QCOMPARE_GT(told.at(1).value, told.at(0).value);
     QCOMPARE_GT(told.at(1).time - told.at(0).time, 4000); // milliseconds
     QVERIFY(tessaly.press({u"Escape"_s}));

@@ -15,7 +15,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr int reactionTime = 8000; // milliseconds
+constexpr int reactionTime = 20'000; // milliseconds
 
 // Which connection on the accessibility bus is that of the process.
 QString serviceOf(const QDBusConnection &bus, qint64 id)

@@ -9,7 +9,7 @@ using namespace Qt::StringLiterals;
 namespace {
 
 const auto nameField = u"File name:"_s;
-constexpr int panelTime = 8000; // milliseconds
+constexpr int panelTime = 20'000; // milliseconds
 
 // The panel's button can be used as soon as it has taken note of the path.
 bool answerPanel(Program &tessaly, const QString &path, const QString &button)

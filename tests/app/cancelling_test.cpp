@@ -192,8 +192,8 @@ private Q_SLOTS:
         QTest::addColumn<bool>("suspended");
         QTest::addColumn<int>("patience"); // milliseconds
         const QStringList half{u"write-output"_s, u"half"_s};
-        QTest::newRow("flushes for ten seconds")
-            << QList<QStringList>{half, {u"slow-flush"_s, u"10000"_s}} << false << 15000;
+        QTest::newRow("flushes for less than it may")
+            << QList<QStringList>{half, {u"slow-flush"_s, u"2000"_s}} << false << 3000;
         QTest::newRow("flushes for longer than it may")
             << QList<QStringList>{half, {u"slow-flush"_s, u"60000"_s}} << false << 700;
         QTest::newRow("ignores SIGTERM")
@@ -226,9 +226,9 @@ private Q_SLOTS:
                  watch.childrenAtTheEnd.value_or(-1)) +
              ending());
         QCOMPARE(watch.childrenAtTheEnd, std::optional<qsizetype>(0));
-        QVERIFY2(spent >= qMin(patience, 10000), qPrintable(QString::number(spent)));
+        QVERIFY2(spent >= qMin(patience, 2000), qPrintable(QString::number(spent)));
         // Well before the 15 seconds that it may take otherwise, also on a busy machine.
-        QVERIFY2(spent < qMax(patience, 10000) + 4000, qPrintable(QString::number(spent)));
+        QVERIFY2(spent < qMax(patience, 2000) + 12'000, qPrintable(QString::number(spent)));
         checkThatItWasCancelled();
     }
 

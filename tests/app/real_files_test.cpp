@@ -192,6 +192,8 @@ private Q_SLOTS:
     {
         QFETCH(bool, removed);
         open(u"long.mp4"_s);
+        app->delegate.widthTF->setIntegerValue(320); // all of it is converted
+        app->delegate.heightTF->setIntegerValue(180);
         app->delegate.saveResponse(1, output());
         QTRY_VERIFY_WITH_TIMEOUT(isConverting(), patience);
         QVERIFY(removed ? QFile::remove(input) : QFile::resize(input, 3'000'000));

@@ -51,8 +51,8 @@ private Q_SLOTS:
     void describesEveryValue();
     void writtenTextReadsBack_data();
     void writtenTextReadsBack();
-    void aLongRealWithAnExponentSettles_data();
-    void aLongRealWithAnExponentSettles();
+    void theTextOfALongRealSettles_data();
+    void theTextOfALongRealSettles();
     void writerKeepsTheOrderOfEvents();
 };
 
@@ -308,7 +308,7 @@ void TextTest::writtenTextReadsBack()
     QCOMPARE(shown(again.rawString(compact())), shown(written));
 }
 
-void TextTest::aLongRealWithAnExponentSettles_data()
+void TextTest::theTextOfALongRealSettles_data()
 {
     QTest::addColumn<QByteArray>("text");
     QTest::addColumn<QString>("written");
@@ -317,13 +317,14 @@ void TextTest::aLongRealWithAnExponentSettles_data()
         QTest::newRow(text) << QByteArray(text) << written << settled;
     };
     row("[12345678901234567e-30]", u"[1.2345678901234567e-14]"_s, u"[0.000000000000012345678901234567]"_s);
+    row("[-1234567856e5]", u"[-123456785600000.0]"_s, u"[-123456785600000]"_s);
     row("[-1234567890123456e5]", u"[-1.234567890123456e+20]"_s, u"[-123456789012345600000]"_s);
     row("[1.2345678901234567e-120]", u"[1.2345678901234567e-120]"_s, u"[1.2345678901234567e-120]"_s);
     row("[12345678901234567.89012345e-125]", u"[1.2345678901234567e-109]"_s, // too many digits for a decimal
         u"[0."_s + QString(108, u'0') + u"12345678901234567]"_s);
 }
 
-void TextTest::aLongRealWithAnExponentSettles()
+void TextTest::theTextOfALongRealSettles()
 {
     QFETCH(QByteArray, text);
     const JSON read = JSON::fromBytes(view(text));

@@ -58,6 +58,11 @@ QString frameSize(const FileProbe &facts)
     return facts.tagRotateValue == 0 ? size : size + u" (turned by %1 degrees)"_s.arg(facts.tagRotateValue);
 }
 
+qint64 roundedThousands(qint64 positive) // adding 500 to the largest number would not do
+{
+    return (positive / 500 + 1) / 2;
+}
+
 // What people want to know of a track: type, codec, special fact, language. "und" means that no language is
 // known; the special fact of a track of no known type may be a tag of unprintable bytes.
 QStringList trackCells(const Dictionary &track)
@@ -120,7 +125,7 @@ QString infoText(const QString &name, const FileProbe &facts)
     if (facts.hasVideoTrack) text += line(u"Size"_s, frameSize(facts));
     if (facts.isValidMediaFile)
         text += line(u"Duration"_s, facts.duration > 0 ? durationHuman(facts.duration) : u"unknown"_s);
-    if (facts.bitRate > 0) text += line(u"Bit rate"_s, u"%1 kbit/s"_s.arg((facts.bitRate + 500) / 1000));
+    if (facts.bitRate > 0) text += line(u"Bit rate"_s, u"%1 kbit/s"_s.arg(roundedThousands(facts.bitRate)));
     if (facts.fileSize) text += line(u"File size"_s, *facts.fileSizeHuman);
     return text + trackLines(facts.tracksInfo) + tagLines(facts);
 }

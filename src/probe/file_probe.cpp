@@ -58,14 +58,16 @@ std::optional<QString> failureOf(const ProcessOutcome &outcome, std::chrono::mil
 FileProbe::FileProbe(const QString &path, std::chrono::milliseconds timeLimit)
 {
     recordFile(path);
-    const QByteArray output = runProber(path, timeLimit);
-    if (proberFailure || !readReport(output)) return;
-    hasErrors = !jsonDictionary["error"].error();
-    if (!judgeValidity()) return;
-    readStreams();
-    readContainer();
-    metadata = metadataOf(jsonDictionary["format"]["tags"]);
-    recordTracks(*this, path);
+    const QByteArray report = runProber(path, timeLimit);
+    if (!proberFailure) readReport(report);
+}
+
+FileProbe FileProbe::fromReport(const QString &path, const QByteArray &report)
+{
+    FileProbe probe;
+    probe.recordFile(path);
+    probe.readReport(report);
+    return probe;
 }
 
 void FileProbe::recordFile(const QString &path)
@@ -91,10 +93,21 @@ QByteArray FileProbe::runProber(const QString &path, std::chrono::milliseconds t
     return {};
 }
 
-bool FileProbe::readReport(const QByteArray &output)
+void FileProbe::readReport(const QByteArray &report)
+{
+    if (!parseReport(report)) return;
+    hasErrors = !jsonDictionary["error"].error();
+    if (!judgeValidity()) return;
+    readStreams();
+    readContainer();
+    metadata = metadataOf(jsonDictionary["format"]["tags"]);
+    recordTracks(*this, *fileFullPath);
+}
+
+bool FileProbe::parseReport(const QByteArray &report)
 {
     try {
-        jsonDictionary = JSON::fromBytes({output.constData(), static_cast<std::size_t>(output.size())});
+        jsonDictionary = JSON::fromBytes({report.constData(), static_cast<std::size_t>(report.size())});
     } catch (const ParseError &error) {
         print(QString::fromStdString(error.description()));
         return false;

@@ -28,6 +28,9 @@ public:
     // Runs the prober on the file and reads its report. The path is passed on exactly as given.
     explicit FileProbe(const QString &path, std::chrono::milliseconds timeLimit = proberTimeLimit);
 
+    // The same from what the prober wrote about the file, any bytes; nothing is run.
+    static FileProbe fromReport(const QString &path, const QByteArray &report);
+
     JSON jsonDictionary;    // the whole report; null when there was none that could be read
     bool hasErrors = false; // the report has an "error" member; gates nothing here
     // At least one stream, and not called .txt. When false, all fields below but numberOfStreams and the
@@ -63,7 +66,8 @@ public:
 private:
     void recordFile(const QString &path);
     QByteArray runProber(const QString &path, std::chrono::milliseconds timeLimit);
-    bool readReport(const QByteArray &output);
+    void readReport(const QByteArray &report);
+    bool parseReport(const QByteArray &report);
     bool judgeValidity();
     void readStreams();
     void readContainer();

@@ -2,6 +2,7 @@
 #include "support/test_case.h"
 
 #include <functional>
+#include <limits>
 
 using namespace Qt::StringLiterals;
 using namespace tessaly;
@@ -127,6 +128,10 @@ void InfoTextTest::oneLine_data()
     row("no duration", u"Duration      unknown"_s, [](FileProbe &facts) { facts.duration = 0; });
     row("bit rate rounded up", u"Bit rate      2 kbit/s"_s, [](FileProbe &facts) { facts.bitRate = 1500; });
     row("bit rate rounded down", u"Bit rate      1 kbit/s"_s, [](FileProbe &facts) { facts.bitRate = 1499; });
+    row("a bit rate below half a kilobit", u"Bit rate      0 kbit/s"_s,
+        [](FileProbe &facts) { facts.bitRate = 499; });
+    row("the largest bit rate", u"Bit rate      9223372036854776 kbit/s"_s,
+        [](FileProbe &facts) { facts.bitRate = std::numeric_limits<qint64>::max(); });
     row("a tag of many lines", u"Comment       a b"_s, withComment(u" a\r\n\r\n\tb "_s));
     row("a tag of 100 characters", u"Comment       "_s + QString(100, u'x'), withComment(QString(100, u'x')));
     row("a longer tag", u"Comment       "_s + QString(99, u'x') + u'…', withComment(QString(101, u'x')));

@@ -4,28 +4,16 @@
 #include "jobs/failure_report.h"
 #include "jobs/progress.h"
 #include "jobs/utils.h"
+#include "require.h"
 
 #include <QRegularExpression>
 
 #include <cmath>
-#include <cstdio>
-#include <cstdlib>
 
 using namespace tessaly;
 using namespace Qt::StringLiterals;
 
 namespace {
-
-#define REQUIRE(condition)                                                                                   \
-    do {                                                                                                     \
-        if (!(condition)) fail(#condition, __LINE__);                                                        \
-    } while (false)
-
-[[noreturn]] void fail(const char *condition, int line)
-{
-    std::fprintf(stderr, "line %d: %s does not hold\n", line, condition);
-    std::abort();
-}
 
 void checkChunk(const QByteArray &chunk, const std::optional<double> &percent)
 {

@@ -51,6 +51,8 @@ private Q_SLOTS:
     void describesEveryValue();
     void writtenTextReadsBack_data();
     void writtenTextReadsBack();
+    void theTextOfALongRealSettles_data();
+    void theTextOfALongRealSettles();
     void writerKeepsTheOrderOfEvents();
 };
 
@@ -304,6 +306,35 @@ void TextTest::writtenTextReadsBack()
     const JSON again = JSON::fromBytes(written);
     QVERIFY(again == read);
     QCOMPARE(shown(again.rawString(compact())), shown(written));
+}
+
+void TextTest::theTextOfALongRealSettles_data()
+{
+    QTest::addColumn<QByteArray>("text");
+    QTest::addColumn<QString>("written");
+    QTest::addColumn<QString>("settled");
+    const auto row = [](const char *text, const QString &written, const QString &settled) {
+        QTest::newRow(text) << QByteArray(text) << written << settled;
+    };
+    row("[12345678901234567e-30]", u"[1.2345678901234567e-14]"_s, u"[0.000000000000012345678901234567]"_s);
+    row("[-1234567856e5]", u"[-123456785600000.0]"_s, u"[-123456785600000]"_s);
+    row("[-1234567890123456e5]", u"[-1.234567890123456e+20]"_s, u"[-123456789012345600000]"_s);
+    row("[1.2345678901234567e-120]", u"[1.2345678901234567e-120]"_s, u"[1.2345678901234567e-120]"_s);
+    row("[12345678901234567.89012345e-125]", u"[1.2345678901234567e-109]"_s, // too many digits for a decimal
+        u"[0."_s + QString(108, u'0') + u"12345678901234567]"_s);
+}
+
+void TextTest::theTextOfALongRealSettles()
+{
+    QFETCH(QByteArray, text);
+    const JSON read = JSON::fromBytes(view(text));
+    const std::string written = read.rawString(compact());
+    QTEST(shown(written), "written");
+    const JSON again = JSON::fromBytes(written);
+    QVERIFY(again == read);
+    const std::string settled = again.rawString(compact());
+    QTEST(shown(settled), "settled");
+    QCOMPARE(shown(JSON::fromBytes(settled).rawString(compact())), shown(settled));
 }
 
 void TextTest::writerKeepsTheOrderOfEvents()

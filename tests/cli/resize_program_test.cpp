@@ -132,6 +132,8 @@ private Q_SLOTS:
         QTest::addColumn<QStringList>("more");
         QTest::addColumn<QString>("said");
         QTest::newRow("an existing file") << u"in.mp4"_s << u"taken.mp4"_s << QStringList{} << u"--force"_s;
+        QTest::newRow("a link that leads nowhere")
+            << u"in.mp4"_s << u"dangling.mp4"_s << QStringList{} << u"--force"_s;
         QTest::newRow("the input") << u"in.mp4"_s << u"in.mp4"_s << QStringList{u"--force"_s}
                                    << u"the input itself"_s;
         QTest::newRow("the input by a symbolic link")
@@ -157,6 +159,7 @@ private Q_SLOTS:
         QFile::copy(m_media + u"plain.mp4"_s, path(u"in.mp4"_s));
         QFile::copy(m_media + u"plain.mp4"_s, path(u"in.vob"_s));
         QFile::link(path(u"in.mp4"_s), path(u"symbolic.mp4"_s));
+        QFile::link(path(u"new.mp4"_s), path(u"dangling.mp4"_s));
         ::link(qPrintable(path(u"in.mp4"_s)), qPrintable(path(u"hard.mp4"_s)));
         QFile taken(path(u"taken.mp4"_s));
         QVERIFY(taken.open(QIODevice::WriteOnly) && taken.write("mine") == 4);
@@ -170,6 +173,25 @@ private Q_SLOTS:
         QCOMPARE(contentOf(path(u"taken.mp4"_s)), QByteArray("mine"));
         QVERIFY(contentOf(path(u"in.mp4"_s)) == contentOf(m_media + u"plain.mp4"_s));
         QVERIFY(!QFile::exists(path(u"new.mp4"_s)));
+    }
+
+    void namesThatAreNotUtf8_data()
+    {
+        QTest::addColumn<QString>("call");
+        QTest::newRow("input") << u"\"$0\" resize \"$(printf 'b\\377d.mp4')\" -o new"_s;
+        QTest::newRow("output") << u"\"$0\" resize in.mp4 -o \"$(printf 'b\\377d.mp4')\""_s;
+    }
+    void namesThatAreNotUtf8()
+    {
+        QFETCH(QString, call);
+        QProcess shell;
+        shell.setWorkingDirectory(m_folder.path());
+        shell.start(u"/bin/sh"_s, {u"-c"_s, u"exec "_s + call, m_program});
+        QVERIFY(shell.waitForFinished());
+        QCOMPARE(shell.exitCode(), 1);
+        QCOMPARE(shell.readAllStandardError(),
+                 QByteArray("tessaly-cli: b\xEF\xBF\xBD"
+                            "d.mp4: the name is not valid UTF-8, so it cannot be used.\n"));
     }
 
     void forceReplaces()

@@ -23,7 +23,7 @@ private Q_SLOTS:
     void endsSoonWhenAskedToWhileConverting_data();
     void endsSoonWhenAskedToWhileConverting();
     void tellsThatTheConverterWasKilled();
-    void tellsScreenReadersOfTheProgressAtACalmPace();
+    void tellsScreenReadersOfTheProgress();
 
 private:
     // A launched copy in the middle of a conversion to that file.
@@ -119,7 +119,7 @@ void CancellingTest::tellsThatTheConverterWasKilled()
     QVERIFY(tessaly.isEnabled(Role::button, u"Save"_s));
 }
 
-void CancellingTest::tellsScreenReadersOfTheProgressAtACalmPace()
+void CancellingTest::tellsScreenReadersOfTheProgress()
 {
     Program &tessaly = launch();
     QVERIFY(openVideo(tessaly, clip(u"long.mp4"_s), u"1280 x 720"_s));
@@ -127,11 +127,10 @@ void CancellingTest::tellsScreenReadersOfTheProgressAtACalmPace()
     const ScreenReader reader(desktop().accessibilityBus());
     QVERIFY(chooseOutput(tessaly, file(u"told.mp4"_s)));
     const QList<Announcement> &told = reader.announcements();
-    QTRY_COMPARE_WITH_TIMEOUT(told.size(), 2, workTime);
+    QTRY_VERIFY_WITH_TIMEOUT(!told.isEmpty(), workTime);
     QCOMPARE(told.at(0).teller, u"Resizing Video..."_s);
-    QCOMPARE_GE(told.at(0).value, 0.0);
-    QCOMPARE_GT(told.at(1).value, told.at(0).value);
-    QCOMPARE_GT(told.at(1).time - told.at(0).time, 4000); // milliseconds
+    QVERIFY(told.at(0).value >= 0 && told.at(0).value < 100);
+    QCOMPARE(told.size(), 1); // not each of the steps until then
     QVERIFY(tessaly.press({u"Escape"_s}));
     QTRY_VERIFY_WITH_TIMEOUT(!tessaly.shows(Role::label, u"Resizing Video..."_s), workTime);
 }

@@ -8,7 +8,6 @@ using namespace Qt::StringLiterals;
 
 ScreenReader::ScreenReader(QDBusConnection bus) : m_bus(std::move(bus))
 {
-    m_time.start();
     m_bus.connect(QString(), QString(), u"org.a11y.atspi.Event.Object"_s, u"PropertyChange"_s, this,
                   SLOT(hear(QDBusMessage)));
     QDBusMessage registration =
@@ -24,7 +23,7 @@ void ScreenReader::hear(const QDBusMessage &event)
 {
     if (event.arguments().value(0).toString() != u"accessible-value"_s) return;
     const Control teller(m_bus, event.service(), event.path());
-    m_announcements += {.teller = teller.name(), .value = teller.value(), .time = m_time.elapsed()};
+    m_announcements += {.teller = teller.name(), .value = teller.value()};
 }
 
 } // namespace tessaly::e2e

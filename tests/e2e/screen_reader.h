@@ -3,7 +3,6 @@
 
 #include <QDBusConnection>
 #include <QDBusMessage>
-#include <QElapsedTimer>
 #include <QObject>
 
 namespace tessaly::e2e {
@@ -12,7 +11,6 @@ struct Announcement
 {
     QString teller; // the control's name
     double value;
-    qint64 time; // milliseconds since the reader began to listen
 };
 
 // Listens from the start to the end of its life; programs tell changes only while somebody listens.
@@ -31,7 +29,6 @@ private Q_SLOTS:
 private:
     QDBusConnection m_bus;
     QList<Announcement> m_announcements;
-    QElapsedTimer m_time;
 };
 
 } // namespace tessaly::e2e

@@ -340,6 +340,19 @@ private Q_SLOTS:
         QVERIFY(!app->find<QStatusBar>("statusBar")->currentMessage().isEmpty());
     }
 
+    void menuAndToolBarAskForTheSameName()
+    {
+        open();
+        for (const auto entry : {&AppDelegate::saveMenuBTNClicked, &AppDelegate::saveBTNClicked}) {
+            // The answer of the panel before comes when that has already gone.
+            QTRY_VERIFY(((app->delegate.*entry)(nullptr), app->panel()));
+            QCOMPARE(app->panel()->acceptMode(), QFileDialog::AcceptSave);
+            QTest::keyClick(app->panel(), Qt::Key_Escape);
+            QTRY_VERIFY(!app->panel());
+        }
+        QVERIFY(!isConverting()); // an answer without a name starts nothing
+    }
+
     void aDropAndSaveWhileAJobRunsAreRefused()
     {
         open();

@@ -73,8 +73,8 @@ private Q_SLOTS:
         QTest::newRow("both") << u"plain.mp4"_s << QStringList{u"--height=100"_s, u"--width=100"_s}
                               << u"100x100"_s;
         QTest::newRow("an odd input as it is") << u"odd.mkv"_s << QStringList{} << u"854x480"_s;
-        QTest::newRow("a phone held upright") << u"portrait.mp4"_s << QStringList{u"--scale"_s, u"50"_s}
-                                              << u"180x320"_s;
+        QTest::newRow("a phone held upright")
+            << u"portrait.mp4"_s << QStringList{u"--scale"_s, u"50"_s} << u"180x320"_s;
     }
     void sizes()
     {
@@ -88,8 +88,9 @@ private Q_SLOTS:
         QCOMPARE(sizeOf(output), size);
         const QStringList lines = result.out.split(u'\n');
         QCOMPARE(lines.size(), 3);
-        QVERIFY2(QRegularExpression(u"^Input Resolution: \\d+ x \\d+ \\([^)]+\\)$"_s).match(lines[0]).hasMatch(),
-                 qPrintable(result.out));
+        QVERIFY2(
+            QRegularExpression(u"^Input Resolution: \\d+ x \\d+ \\([^)]+\\)$"_s).match(lines[0]).hasMatch(),
+            qPrintable(result.out));
         const QString told = QString(size).replace(u"x"_s, u" x "_s);
         QVERIFY2(lines[1].startsWith(u"Output Resolution: "_s + told + u" ("_s), qPrintable(result.out));
         QVERIFY(contentOf(m_media + input) == before);
@@ -104,7 +105,8 @@ private Q_SLOTS:
     void progressIsLinesWhereThereIsNoTerminal()
     {
         const Result result = run({m_media + u"plain.mp4"_s, u"-o"_s, u"lines"_s});
-        QVERIFY2(QRegularExpression(u"^(\\d+ %\n)+$"_s).match(result.error).hasMatch(), qPrintable(result.error));
+        QVERIFY2(QRegularExpression(u"^(\\d+ %\n)+$"_s).match(result.error).hasMatch(),
+                 qPrintable(result.error));
     }
 
     void quietSaysNothing()
@@ -116,7 +118,8 @@ private Q_SLOTS:
 
     void diagnosticsAreForVerbose()
     {
-        const Result result = run({m_media + u"plain.mp4"_s, u"-o"_s, u"verbose"_s, u"--quiet"_s, u"--verbose"_s});
+        const Result result =
+            run({m_media + u"plain.mp4"_s, u"-o"_s, u"verbose"_s, u"--quiet"_s, u"--verbose"_s});
         QVERIFY2(result.error.startsWith("[\"-i\", \""_L1), qPrintable(result.error));
         QCOMPARE(result.out, QString());
     }
@@ -128,16 +131,21 @@ private Q_SLOTS:
         QTest::addColumn<QStringList>("more");
         QTest::addColumn<QString>("said");
         QTest::newRow("an existing file") << u"in.mp4"_s << u"taken.mp4"_s << QStringList{} << u"--force"_s;
-        QTest::newRow("the input") << u"in.mp4"_s << u"in.mp4"_s << QStringList{u"--force"_s} << u"the input itself"_s;
+        QTest::newRow("a link that leads nowhere")
+            << u"in.mp4"_s << u"dangling.mp4"_s << QStringList{} << u"--force"_s;
+        QTest::newRow("the input") << u"in.mp4"_s << u"in.mp4"_s << QStringList{u"--force"_s}
+                                   << u"the input itself"_s;
         QTest::newRow("the input by a symbolic link")
             << u"in.mp4"_s << u"symbolic.mp4"_s << QStringList{u"--force"_s} << u"the input itself"_s;
         QTest::newRow("the input by a hard link")
             << u"in.mp4"_s << u"hard.mp4"_s << QStringList{u"--force"_s} << u"the input itself"_s;
-        QTest::newRow("a folder") << u"in.mp4"_s << u"folder.mp4"_s << QStringList{u"--force"_s} << u"folder"_s;
+        QTest::newRow("a folder") << u"in.mp4"_s << u"folder.mp4"_s << QStringList{u"--force"_s}
+                                  << u"folder"_s;
         QTest::newRow("no such input") << u"gone.mp4"_s << u"new.mp4"_s << QStringList{} << u"gone.mp4"_s;
         QTest::newRow("no video") << u"taken.mp4"_s << u"new.mp4"_s << QStringList{} << u"unsupported"_s;
         QTest::newRow("a DVD file") << u"in.vob"_s << u"new.mp4"_s << QStringList{} << u"VOB"_s;
-        QTest::newRow("too small") << u"in.mp4"_s << u"new.mp4"_s << QStringList{u"--scale=0.01"_s} << u"2 pixels"_s;
+        QTest::newRow("too small") << u"in.mp4"_s << u"new.mp4"_s << QStringList{u"--scale=0.01"_s}
+                                   << u"2 pixels"_s;
         QTest::newRow("no such folder") << u"in.mp4"_s << u"none/new.mp4"_s << QStringList{} << u"folder"_s;
     }
     void refusals()
@@ -150,6 +158,7 @@ private Q_SLOTS:
         QFile::copy(m_media + u"plain.mp4"_s, path(u"in.mp4"_s));
         QFile::copy(m_media + u"plain.mp4"_s, path(u"in.vob"_s));
         QFile::link(path(u"in.mp4"_s), path(u"symbolic.mp4"_s));
+        QFile::link(path(u"new.mp4"_s), path(u"dangling.mp4"_s));
         ::link(qPrintable(path(u"in.mp4"_s)), qPrintable(path(u"hard.mp4"_s)));
         QFile taken(path(u"taken.mp4"_s));
         QVERIFY(taken.open(QIODevice::WriteOnly) && taken.write("mine") == 4);
@@ -165,12 +174,60 @@ private Q_SLOTS:
         QVERIFY(!QFile::exists(path(u"new.mp4"_s)));
     }
 
+    void namesThatAreNotUtf8_data()
+    {
+        QTest::addColumn<QString>("call");
+        QTest::newRow("input") << u"\"$0\" resize \"$(printf 'b\\377d.mp4')\" -o new"_s;
+        QTest::newRow("output") << u"\"$0\" resize in.mp4 -o \"$(printf 'b\\377d.mp4')\""_s;
+    }
+    void namesThatAreNotUtf8()
+    {
+        QFETCH(QString, call);
+        QProcess shell;
+        shell.setWorkingDirectory(m_folder.path());
+        shell.start(u"/bin/sh"_s, {u"-c"_s, u"exec "_s + call, m_program});
+        QVERIFY(shell.waitForFinished());
+        QCOMPARE(shell.exitCode(), 1);
+        QCOMPARE(shell.readAllStandardError(),
+                 QByteArray("tessaly-cli: b\xEF\xBF\xBD"
+                            "d.mp4: the name is not valid UTF-8, so it cannot be used.\n"));
+    }
+
+    void aProgramWithoutItsProberSaysSo()
+    {
+        QVERIFY(QFile::copy(m_program, path(u"alone"_s)));
+        QProcess program;
+        program.start(path(u"alone"_s),
+                      {u"resize"_s, m_media + u"plain.mp4"_s, u"-o"_s, path(u"alone.mp4"_s)});
+        QVERIFY(program.waitForFinished());
+        QCOMPARE(program.exitCode(), 1);
+        QCOMPARE(
+            QString::fromUtf8(program.readAllStandardError()),
+            u"tessaly-cli: %1plain.mp4: The prober \"sniffer\" is missing among the resources of this program.\n"_s
+                .arg(m_media));
+        QVERIFY(!QFile::exists(path(u"alone.mp4"_s)));
+    }
+
+    void aCutInputGivesAShortCopyWithARemark()
+    {
+        const QStringList remux{u"-v"_s, u"error"_s, u"-y"_s, u"-i"_s, m_media + u"long.mp4"_s,
+                                u"-c"_s, u"copy"_s,  u"-t"_s, u"8"_s,  path(u"cut.mkv"_s)};
+        QCOMPARE(QProcess::execute(QStringLiteral(TESSALY_PROGRAM_FOLDER "/creator"), remux), 0);
+        QFile cut(path(u"cut.mkv"_s));
+        QVERIFY(cut.resize(cut.size() / 2));
+        const Result result = run({u"cut.mkv"_s, u"-o"_s, u"short.mp4"_s, u"--width=64"_s});
+        QCOMPARE(result.exitCode, 0);
+        QVERIFY2(result.error.contains("shorter"_L1), qPrintable(result.error));
+        QCOMPARE(sizeOf(path(u"short.mp4"_s)), u"64x36"_s);
+    }
+
     void forceReplaces()
     {
         QFile old(path(u"old.mp4"_s));
         QVERIFY(old.open(QIODevice::WriteOnly));
         old.close();
-        QCOMPARE(run({m_media + u"plain.mp4"_s, u"-o"_s, u"old.mp4"_s, u"--force"_s, u"--quiet"_s}).exitCode, 0);
+        QCOMPARE(run({m_media + u"plain.mp4"_s, u"-o"_s, u"old.mp4"_s, u"--force"_s, u"--quiet"_s}).exitCode,
+                 0);
         QCOMPARE(sizeOf(path(u"old.mp4"_s)), u"640x360"_s);
     }
 
@@ -202,7 +259,8 @@ private Q_SLOTS:
     {
         QProcess process;
         process.setWorkingDirectory(m_folder.path());
-        process.start(m_program, {u"resize"_s, m_media + u"long.mp4"_s, u"-o"_s, u"partial"_s, u"--scale"_s, u"200"_s});
+        process.start(m_program,
+                      {u"resize"_s, m_media + u"long.mp4"_s, u"-o"_s, u"partial"_s, u"--scale"_s, u"200"_s});
         QVERIFY(process.waitForStarted());
         QTRY_VERIFY(QFile::exists(path(u"partial.mp4"_s)));
         ::kill(static_cast<pid_t>(process.processId()), SIGINT);

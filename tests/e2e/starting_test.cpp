@@ -40,6 +40,7 @@ void StartingTest::answersWithoutAWindow_data()
     QTest::addColumn<QString>("argument");
     QTest::addColumn<QString>("beginning");
     QTest::newRow("help") << u"--help"_s << u"Usage: tessaly"_s;
+    QTest::newRow("help in one letter") << u"-h"_s << u"Usage: tessaly"_s;
     QTest::newRow("version") << u"--version"_s << u"tessaly 0."_s;
 }
 

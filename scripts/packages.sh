@@ -7,10 +7,11 @@ fail() {
     exit 1
 }
 
-# The Debian packages that a build needs, that tests need beside them, and that the fuzzing and tidy presets need.
+# The Debian packages that a build needs, a started program, the tests, and the fuzz preset.
 build_packages="g++ cmake ninja-build qt6-base-dev nlohmann-json3-dev ffmpeg"
 run_packages="libqt6svg6 qt6-qpa-plugins"
 test_packages="xvfb xdotool dbus-daemon at-spi2-core locales fonts-dejavu-core desktop-file-utils appstream mandoc"
+fuzz_packages="clang libclang-rt-14-dev"
 
 missing_packages() {
     local package

@@ -7,6 +7,7 @@
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QLineEdit>
+#include <QListView>
 #include <QMessageBox>
 #include <QPushButton>
 
@@ -45,7 +46,11 @@ public:
         // Qt knows only the files that it lists; a name is judged when it is accepted.
         connect(nameField(), &QLineEdit::textChanged, this,
                 [this](const QString &name) { acceptButton()->setEnabled(!name.isEmpty()); });
-        // Not from within the dialog's own functions: what follows may take long, and the dialog dies meanwhile.
+        // While a path is typed, Qt selects in its list what the path leads over, such as the folder itself,
+        // and a selection counts more than the text. The match of the whole text is selected after this.
+        connect(nameField(), &QLineEdit::textEdited, this, [this] { list()->clearSelection(); });
+        // Not from within the dialog's own functions: what follows may take long, and the dialog dies
+        // meanwhile.
         connect(this, &QDialog::finished, this, [this, completion = std::move(completion)](int result) {
             const int response = result == QDialog::Accepted ? panelResponseOK : panelResponseCancel;
             const auto complete = [completion, response, path = m_path] { completion(response, path); };
@@ -77,6 +82,7 @@ protected:
 
 private:
     QLineEdit *nameField() const { return findChild<QLineEdit *>(u"fileNameEdit"_s); }
+    QListView *list() const { return findChild<QListView *>(u"listView"_s); }
     bool holdsQuotationMark() const { return nameField()->text().contains(u'"'); }
 
     QPushButton *acceptButton() const

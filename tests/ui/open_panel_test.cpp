@@ -24,6 +24,8 @@ private Q_SLOTS:
     void takesAFileOfTheList_data();
     void takesAFileOfTheList();
     void takesATypedPath();
+    void takesATypedPathOnceTheListIsComplete_data();
+    void takesATypedPathOnceTheListIsComplete();
     void takesReturn();
     void isCancelled_data();
     void isCancelled();
@@ -123,6 +125,29 @@ void OpenPanelTest::takesATypedPath()
     QTRY_VERIFY(driver.acceptButton()->isEnabled());
     driver.accept();
     QTRY_COMPARE(driver.answers, (PanelDriver::Answers{{1, path(u"clip.mp4"_s)}}));
+}
+
+void OpenPanelTest::takesATypedPathOnceTheListIsComplete_data()
+{
+    QTest::addColumn<QString>("typed");
+    QTest::newRow("over the folder itself") << u"folder/../clip.mp4"_s;
+    QTest::newRow("from the folder itself") << u"./clip.mp4"_s;
+    QTest::newRow("over the folder above") << u"../%1/clip.mp4"_s.arg(QFileInfo(m_folder.path()).fileName());
+}
+
+// The list comes to know the folders around its own one a little later than its files.
+void OpenPanelTest::takesATypedPathOnceTheListIsComplete()
+{
+    QFETCH(QString, typed);
+    PanelDriver driver;
+    begin(driver);
+    QTest::qWait(500); // waits on purpose: Qt tells nobody when its list is complete
+    driver.type(typed);
+    QTRY_VERIFY(driver.acceptButton()->isEnabled());
+    driver.accept();
+    QTRY_COMPARE(driver.answers.size(), 1);
+    QVERIFY2(isSameFile(driver.answers.first().second, path(u"clip.mp4"_s)),
+             qPrintable(driver.answers.first().second));
 }
 
 void OpenPanelTest::takesReturn()

@@ -3,8 +3,8 @@
 //   capture PROGRAM ARGUMENT… the same, but prints what was captured, in brackets
 //   end-with-pool PROGRAM     leaves main() while a pool thread still runs it
 //   quit-during PROGRAM       quits the application while the main thread runs it
-//   hold-workspace            prints the temporary folder, waits until standard input ends, exits in the
-//   ordinary way clear-workspaces          what a launch does; prints the temporary folder
+//   hold-workspace            prints the temporary folder and stays until standard input ends
+//   clear-workspaces          does what a launch does and prints the temporary folder
 // Exit 0 when the run succeeded; else 1.
 #include "platform/child_process.h"
 #include "platform/main_queue.h"

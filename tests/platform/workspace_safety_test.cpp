@@ -90,7 +90,8 @@ private Q_SLOTS:
         removeDeadSiblings();
         QVERIFY(QFileInfo::exists(other.folder + "frame"_L1));
         makeFile(NSTemporaryDirectory() + "frame"_L1);
-        const Copy third(base, u"clear-workspaces"_s);
+        Copy third(base, u"clear-workspaces"_s);
+        QVERIFY(third.endInTheOrdinaryWay());
         QVERIFY(QFileInfo::exists(own + "frame"_L1));
         QVERIFY(QFileInfo::exists(other.folder + "frame"_L1));
         removeOwnWorkspace();

@@ -4,6 +4,7 @@
 #include "jobs/converter_run.h"
 #include "jobs/failure_report.h"
 #include "jobs/output_guard.h"
+#include "jobs/poster_frames.h"
 #include "jobs/progress.h"
 #include "platform/notification_center.h"
 #include "probe/file_probe.h"
@@ -64,8 +65,10 @@ public:
     std::shared_ptr<const FileProbe> globalFP;    // the file that was opened last, also a refused one
     std::shared_ptr<ConverterRun> globalProcess;  // the current or the last converter
     std::optional<bool> isProcessCancelledByUser; // absent before the first job
-    // How long the prober may take for a file, and a cancelled converter to end, until they are killed.
+    // How long the prober may take for a file, the converter for a still, and a cancelled converter to end,
+    // until they are killed.
     std::chrono::milliseconds proberPatience = proberTimeLimit;
+    std::chrono::milliseconds stillPatience = posterFrameTimeLimit;
     std::chrono::milliseconds cancelPatience = ConverterRun::cancelPatience;
     Outlet<ImageDropView> posterView{"posterView"};
     Outlet<Slider> posterPositionSlider{"posterPositionSlider"};

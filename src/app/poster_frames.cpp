@@ -7,6 +7,7 @@
 #include "platform/own_folder.h"
 
 #include <QDir>
+#include <QFile>
 #include <QImageReader>
 
 namespace tessaly {
@@ -14,9 +15,6 @@ namespace tessaly {
 using namespace Qt::StringLiterals;
 
 namespace {
-
-// A converter that hangs on one frame must not hold up the window for ever.
-constexpr ProcessLimits frameLimits{.time = std::chrono::seconds(30)};
 
 // A picture that cannot be read is no picture. One of more pixels than a screen shows is read smaller, which
 // also spares the memory.
@@ -29,6 +27,14 @@ QImage stillFromFile(const QString &path)
         reader.setScaledSize(size.scaled(largest, Qt::KeepAspectRatio));
     }
     return reader.read();
+}
+
+// The half of a picture that a killed converter may leave is none.
+void makeStill(const QString &creator, const QStringList &arguments, std::chrono::milliseconds patience)
+{
+    const ProcessOutcome run = runToEnd(creator, arguments, {.time = patience});
+    if (run.end == ProcessOutcome::End::timedOut || run.end == ProcessOutcome::End::stopped)
+        QFile::remove(arguments.last());
 }
 
 // A link in its place is removed, not followed.
@@ -46,7 +52,7 @@ void AppDelegate::extractPosterFrames(double duration, const QString &inputPath)
     remakeFolder(posterFrameFolder());
     if (const std::optional<QString> creator = pathForResource(u"creator"_s)) {
         for (int number = 1; number <= posterFrameCount; ++number) {
-            runToEnd(*creator, posterFrameArguments(number, duration, inputPath), frameLimits);
+            makeStill(*creator, posterFrameArguments(number, duration, inputPath), stillPatience);
             showPosterFrame(number);
             progressBar->setDoubleValue(10.0 * (number - 1));
         }

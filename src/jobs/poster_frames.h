@@ -4,10 +4,15 @@
 #include <QString>
 #include <QStringList>
 
+#include <chrono>
+
 namespace tessaly {
 
 // Frames are numbered from 1.
 constexpr int posterFrameCount = 11;
+
+// A converter that hangs on one frame must not hold up the window for ever.
+constexpr std::chrono::seconds posterFrameTimeLimit{30};
 
 // In the temporary folder of this running copy; nothing is made there.
 QString posterFrameFolder();

@@ -11,6 +11,7 @@
 using namespace tessaly;
 using namespace tessaly::test;
 using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
 
 class TestPosterFrames : public TestCase
 {
@@ -61,6 +62,23 @@ private Q_SLOTS:
         app->drop(app->makeFile(u"clip.mp4"_s));
         for (const QStringList &call : app->tools.calls(u"creator"_s))
             QCOMPARE(call.at(3), u"0.0"_s);
+    }
+
+    void aFrameThatTakesTooLongIsMissing()
+    {
+        QCOMPARE(app->delegate.stillPatience, 30s);
+        app->delegate.stillPatience = 100ms;
+        app->letConverterMakeStills();
+        const QString half = app->folder.filePath(u"half.jpg"_s);
+        QVERIFY(QFile::copy(app->folder.filePath(u"still.jpg"_s), half));
+        QVERIFY(QFile::resize(half, QFileInfo(half).size() - 20));
+        app->tools.setSteps(u"creator"_s, {{u"copy-to-output"_s, half}, {u"hang"_s}});
+        app->openSize(640, 360);
+        QCOMPARE(app->tools.calls(u"creator"_s).size(), 11);
+        QCOMPARE(app->tools.runningProcesses(u"creator"_s).size(), 0);
+        QVERIFY(!QFile::exists(frame(11)));
+        QVERIFY(app->delegate.posterView->image().isNull());
+        QVERIFY(app->delegate.saveBTN->isEnabled());
     }
 
     void framesOfTheVideoBeforeAreGone()

@@ -16,7 +16,7 @@ namespace {
     throw JSONException(JSONError::invalidJSON);
 }
 
-std::string realText(double value)
+std::string realLiteral(double value)
 {
     if (!std::isfinite(value)) refuse();
     const double magnitude = std::fabs(value);
@@ -38,7 +38,7 @@ std::string decimalText(const Decimal &value)
     constexpr std::size_t decimalLiteral = 18;
     std::string text = value.stringValue();
     const bool isShortFraction = text.size() < decimalLiteral && text.find('.') != std::string::npos;
-    if (isShortFraction && realText(value.doubleValue()) != text) text.resize(decimalLiteral, '0');
+    if (isShortFraction && realLiteral(value.doubleValue()) != text) text.resize(decimalLiteral, '0');
     return text;
 }
 
@@ -46,7 +46,7 @@ std::string numberText(const Number &value)
 {
     switch (value.origin()) {
     case Number::Origin::real:
-        return realText(value.doubleValue());
+        return realLiteral(value.doubleValue());
     case Number::Origin::decimal:
         return decimalText(value.decimal());
     case Number::Origin::boolean:

@@ -16,25 +16,29 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-// A picture that cannot be read is no picture. One of more pixels than a screen shows is read smaller, which
-// also spares the memory.
+// JPEG's marker "end of image" (ISO/IEC 10918-1, B.2.1).
+constexpr QByteArrayView endOfImage("\xff\xd9");
+
+// What a killed converter or a full disk left; the reader would fill the rest with grey.
+bool isHalfOfAPicture(const QImageReader &reader)
+{
+    if (reader.format() != "jpeg") return false;
+    QFile file(reader.fileName());
+    return !file.open(QIODevice::ReadOnly) || !file.readAll().endsWith(endOfImage);
+}
+
+// A picture that cannot be read as a whole is no picture. One of more pixels than a screen shows is read
+// smaller, which also spares the memory.
 QImage stillFromFile(const QString &path)
 {
     constexpr QSize largest(3840, 3840);
     QImageReader reader(path);
+    if (isHalfOfAPicture(reader)) return {};
     const QSize size = reader.size();
     if (size.width() > largest.width() || size.height() > largest.height()) {
         reader.setScaledSize(size.scaled(largest, Qt::KeepAspectRatio));
     }
     return reader.read();
-}
-
-// The half of a picture that a killed converter may leave is none.
-void makeStill(const QString &creator, const QStringList &arguments, std::chrono::milliseconds patience)
-{
-    const ProcessOutcome run = runToEnd(creator, arguments, {.time = patience});
-    if (run.end == ProcessOutcome::End::timedOut || run.end == ProcessOutcome::End::stopped)
-        QFile::remove(arguments.last());
 }
 
 // A link in its place is removed, not followed.
@@ -52,7 +56,7 @@ void AppDelegate::extractPosterFrames(double duration, const QString &inputPath)
     remakeFolder(posterFrameFolder());
     if (const std::optional<QString> creator = pathForResource(u"creator"_s)) {
         for (int number = 1; number <= posterFrameCount; ++number) {
-            makeStill(*creator, posterFrameArguments(number, duration, inputPath), stillPatience);
+            runToEnd(*creator, posterFrameArguments(number, duration, inputPath), {.time = stillPatience});
             showPosterFrame(number);
             progressBar->setDoubleValue(10.0 * (number - 1));
         }

@@ -27,6 +27,16 @@ private:
                                            {u"copy-to-output"_s, app->folder.filePath(u"still.jpg"_s)}});
     }
 
+    // As a killed converter or a full disk leaves it; its path.
+    QString halfOfAStill() const
+    {
+        app->letConverterMakeStills();
+        const QString half = app->folder.filePath(u"half.jpg"_s);
+        QFile::copy(app->folder.filePath(u"still.jpg"_s), half);
+        QFile::resize(half, QFileInfo(half).size() - 20);
+        return half;
+    }
+
     static QString frame(int number) { return NSTemporaryDirectory() + u"/Images/out%1.jpg"_s.arg(number); }
 
 private Q_SLOTS:
@@ -68,17 +78,33 @@ private Q_SLOTS:
     {
         QCOMPARE(app->delegate.stillPatience, 30s);
         app->delegate.stillPatience = 100ms;
-        app->letConverterMakeStills();
-        const QString half = app->folder.filePath(u"half.jpg"_s);
-        QVERIFY(QFile::copy(app->folder.filePath(u"still.jpg"_s), half));
-        QVERIFY(QFile::resize(half, QFileInfo(half).size() - 20));
+        const QString half = halfOfAStill();
         app->tools.setSteps(u"creator"_s, {{u"copy-to-output"_s, half}, {u"hang"_s}});
         app->openSize(640, 360);
         QCOMPARE(app->tools.calls(u"creator"_s).size(), 11);
         QCOMPARE(app->tools.runningProcesses(u"creator"_s).size(), 0);
-        QVERIFY(!QFile::exists(frame(11)));
         QVERIFY(app->delegate.posterView->image().isNull());
+        QVERIFY(app->find<QLabel>("dropHintLBL")->isVisible());
         QVERIFY(app->delegate.saveBTN->isEnabled());
+    }
+
+    void halfOfAFrameIsNone()
+    {
+        app->tools.setSteps(u"creator"_s, {{u"copy-to-output"_s, halfOfAStill()}, {u"exit"_s, u"1"_s}});
+        app->openSize(640, 360);
+        QVERIFY(QFile::exists(frame(11)));
+        QVERIFY(app->delegate.posterView->image().isNull());
+    }
+
+    void aFrameThatIsNoJpegIsShownAsItIs()
+    {
+        QImage still(64, 36, QImage::Format_RGB32);
+        still.fill(Qt::blue);
+        const QString png = app->folder.filePath(u"still.png"_s);
+        QVERIFY(still.save(png));
+        app->tools.setBehaviour(u"creator"_s, u"copy-to-output"_s, {png});
+        app->openSize(640, 360);
+        QCOMPARE(app->delegate.posterView->image().pixelColor(30, 20), QColor(Qt::blue));
     }
 
     void framesOfTheVideoBeforeAreGone()

@@ -11,7 +11,8 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr qsizetype linesToShow = 30;
-constexpr qsizetype longestLine = 400; // characters
+constexpr qsizetype longestShown = 400;  // characters of a line
+constexpr qsizetype longestRead = 16384; // bytes of a line; paths have up to 4096
 
 // Matched against the line without its speaker.
 const QRegularExpression &progressOrStatistics()
@@ -39,7 +40,68 @@ bool says(const QString &line, const QRegularExpression &what)
     return what.match(withoutSpeaker(line)).hasMatch();
 }
 
+bool isBreak(char c)
+{
+    return c == '\n' || c == '\r';
+}
+
+// Without a first or last line that was cut; all of it when there is but one line.
+QByteArrayView upToLastBreak(QByteArrayView text)
+{
+    const auto found = std::find_if(text.rbegin(), text.rend(), isBreak);
+    return found == text.rend() ? text : text.first(text.rend() - found);
+}
+
+QByteArrayView fromFirstBreak(QByteArrayView text)
+{
+    const auto found = std::find_if(text.begin(), text.end(), isBreak);
+    return found == text.end() ? text : text.sliced(found - text.begin());
+}
+
 } // namespace
+
+void ConverterText::add(const QByteArray &chunk)
+{
+    keep(chunk);
+    readLines(chunk);
+}
+
+void ConverterText::keep(const QByteArray &chunk)
+{
+    const qsizetype forHead = qMin(keptText - m_head.size(), chunk.size());
+    m_head += chunk.first(forHead);
+    const QByteArrayView rest = QByteArrayView(chunk).sliced(forHead);
+    m_tail += rest.last(qMin(rest.size(), keptText));
+    m_hasGap = m_hasGap || rest.size() > keptText || m_tail.size() > keptText;
+    if (m_tail.size() > 4 * keptText) m_tail = m_tail.last(keptText);
+}
+
+QByteArray ConverterText::text() const
+{
+    if (!m_hasGap) return m_head + m_tail;
+    const QByteArrayView tail = QByteArrayView(m_tail).last(qMin(m_tail.size(), keptText));
+    QByteArray text = upToLastBreak(m_head).toByteArray();
+    return text.append('\n').append(fromFirstBreak(tail));
+}
+
+void ConverterText::readLines(QByteArrayView chunk)
+{
+    while (!chunk.isEmpty()) {
+        const auto end = std::find_if(chunk.begin(), chunk.end(), isBreak);
+        const qsizetype length = end - chunk.begin();
+        m_line += chunk.first(qMin(length, longestRead - m_line.size()));
+        if (end == chunk.end()) return;
+        endLine();
+        chunk = chunk.sliced(length + 1);
+    }
+}
+
+void ConverterText::endLine()
+{
+    const bool isPlain = !m_line.contains('\x1B');
+    if (!m_line.isEmpty()) m_errors.addLine(isPlain ? m_line : converterLines(m_line).join(u' ').toUtf8());
+    m_line.clear();
+}
 
 QStringList converterLines(const QByteArray &text)
 {
@@ -65,7 +127,7 @@ QString lastConverterLines(const QStringList &lines)
     shown.removeIf([](const QString &line) { return says(line, progressOrStatistics()); });
     shown = shown.last(qMin(linesToShow, shown.size()));
     for (QString &line : shown) {
-        if (line.size() > longestLine) line = line.first(longestLine) + u'…';
+        if (line.size() > longestShown) line = line.first(longestShown) + u'…';
     }
     return shown.join(u'\n');
 }

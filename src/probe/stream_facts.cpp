@@ -36,12 +36,18 @@ bool hasUnnamedVideoCodec(const std::vector<JSON> &streams)
                        [](const JSON &stream) { return isVideo(stream) && stream["codec_name"] == JSON(); });
 }
 
-std::optional<MainVideo> mainVideo(const std::vector<JSON> &streams)
+const JSON *mainVideoStream(const std::vector<JSON> &streams)
 {
     const auto found = std::find_if(streams.begin(), streams.end(), [](const JSON &stream) {
         return isVideo(stream) && !isStillPicture(stream);
     });
-    if (found == streams.end()) return std::nullopt;
+    return found == streams.end() ? nullptr : &*found;
+}
+
+std::optional<MainVideo> mainVideo(const std::vector<JSON> &streams)
+{
+    const JSON *found = mainVideoStream(streams);
+    if (found == nullptr) return std::nullopt;
 
     const JSON &stream = *found;
     MainVideo video{.width = stream["width"].intValue(),

@@ -30,7 +30,10 @@ bool isRealSubtitle(const JSON &stream);
 // The mark of an encrypted file: a video stream without a codec name.
 bool hasUnnamedVideoCodec(const std::vector<JSON> &streams);
 
-// Nothing when no stream holds moving pictures.
+// The first stream of moving pictures, in the list itself; null when there is none.
+const JSON *mainVideoStream(const std::vector<JSON> &streams);
+
+// The facts of that stream; nothing when there is none.
 std::optional<MainVideo> mainVideo(const std::vector<JSON> &streams);
 
 bool hasAudio(const std::vector<JSON> &streams);

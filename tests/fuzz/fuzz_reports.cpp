@@ -12,6 +12,7 @@
 #include "probe/file_facts.h"
 #include "probe/refusal.h"
 #include "probe/rotation_tags.h"
+#include "probe/track_lengths.h"
 #include "require.h"
 
 #include <QRegularExpression>
@@ -65,6 +66,14 @@ void checkNumbers(const FileProbe &facts)
     REQUIRE(!facts.videoRatio || *facts.videoHeight == 0 || std::isfinite(*facts.videoRatio));
     for (const Dictionary &track : facts.tracksInfo)
         REQUIRE(std::isfinite(JSON(track.at("trackDuration")).doubleValue()));
+}
+
+void checkLengths(const FileProbe &facts)
+{
+    const TrackLengths lengths = keptTrackLengths(facts);
+    for (const std::optional<double> length : {lengths.picture, lengths.sound, lengths.whole})
+        REQUIRE(!length || (std::isfinite(*length) && *length > 0));
+    REQUIRE(!lengths.pictures || *lengths.pictures > 0);
 }
 
 void checkRotation(const FileProbe &facts)
@@ -154,6 +163,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     checkValidity(facts);
     checkFlags(facts);
     checkNumbers(facts);
+    checkLengths(facts);
     checkRotation(facts);
     checkText(facts);
     checkJson(facts);

@@ -16,7 +16,10 @@ struct ResizeTarget
     qint64 height = 0; // pixels
 };
 
-// A sentence for the reason that the converter's lines name; nothing when they name none that is known.
-std::optional<QString> knownFailureReason(const QStringList &lines, const ResizeTarget &target);
+// A sentence for the failure that the converter's lines name; nothing when they name none that is known.
+std::optional<QString> knownFailure(const QStringList &lines, const ResizeTarget &target);
+
+// A sentence for a converter that this signal ended, which was not ours.
+QString signalSentence(int signal);
 
 } // namespace tessaly

@@ -23,7 +23,7 @@ std::optional<QString> faultOfFile(const JobEnd &end, const FileProbe &output)
 
 QString reasonOfExit(const JobEnd &end, const QStringList &lines)
 {
-    if (const auto reason = knownFailureReason(lines, end.target)) return *reason;
+    if (const auto failure = knownFailure(lines, end.target)) return *failure;
     const QString line = lastMeaningfulLine(lines);
     if (!line.isEmpty()) return u"The converter said: "_s + line;
     return u"The converter ended with error "_s + QString::number(end.outcome.code) + u" and said nothing."_s;

@@ -134,7 +134,7 @@ private Q_SLOTS:
         QTest::newRow("a folder of that name")
             << u"folder.mp4"_s << u"The name of the new video belongs to a folder."_s;
         QTest::newRow("a folder that vanished")
-            << u"gone/out.mp4"_s << u"The folder for the new video is no longer there."_s;
+            << u"gone/out.mp4"_s << u"The folder for the new video does not exist."_s;
     }
     void theTargetCannotBeWritten()
     {

@@ -1,7 +1,10 @@
 // Why a conversion failed, read from what the converter wrote.
 #include "captured_text.h"
 #include "ended_job.h"
+#include "jobs/converter_text.h"
 #include "support/test_case.h"
+
+#include <csignal>
 
 using namespace tessaly;
 using namespace tessaly::test;
@@ -13,13 +16,17 @@ const auto diskFull = u"The disk is full: there is no space left for the new vid
 const auto mayNotWrite = u"You do not have permission to write the new video there."_s;
 const auto mayNotRead = u"You do not have permission to read the video."_s;
 const auto readOnly = u"The new video cannot be written there: that disk is read-only."_s;
-const auto folderGone = u"The folder for the new video is no longer there."_s;
+const auto noFolder = u"The folder for the new video does not exist."_s;
 const auto isFolder = u"The name of the new video belongs to a folder."_s;
 const auto inputGone = u"The video is no longer there."_s;
 const auto noVideo = u"The video is damaged, or it is no video at all."_s;
-const auto undecodable = u"The video is damaged or encrypted: the converter could not decode it."_s;
-const auto noDecoder = u"The converter has no decoder for this video."_s;
-const auto noSoundDecoder = u"The converter has no decoder for the sound of this video."_s;
+const auto undecodable = u"The video is damaged or encrypted: ffmpeg could not decode it."_s;
+const auto encrypted = u"The video is encrypted: it cannot be converted."_s;
+const auto cutOff = u"The video is cut off: what is there cannot be converted."_s;
+const auto fileLimit = u"The new video is larger than the disk, or a limit for files (ulimit -f), allows."_s;
+const auto endedFromOutside = u"ffmpeg was ended by another program."_s;
+const auto noDecoder = u"ffmpeg has no decoder for this video."_s;
+const auto noSoundDecoder = u"ffmpeg has no decoder for the sound of this video."_s;
 const auto noMemory = u"There is not enough memory for a video of this size."_s;
 
 class TestFailureReason : public test::TestCase
@@ -39,6 +46,9 @@ private Q_SLOTS:
     void blamesAnOddSizeOnlyWhenTheEncoderGaveUp();
     void leavesNegativeSidesToTheConverter();
     void knowsATargetWithALineBreak();
+    void readsTheHeadOfALongText();
+    void saysWhatASignalMeans_data();
+    void saysWhatASignalMeans();
 };
 
 // Texts of real converters that failed so.
@@ -60,7 +70,7 @@ void TestFailureReason::saysWhyInPlainWords_data()
         {"read_only", u"/videos/fixed/out.mp4"_s, 320, 180, readOnly},
         {"no_permission", u"/videos/closed/out.mp4"_s, 320, 180, mayNotWrite},
         {"unreadable", written, 320, 180, mayNotRead},
-        {"folder_gone", u"/videos/gone/out.mp4"_s, 320, 180, folderGone},
+        {"folder_gone", u"/videos/gone/out.mp4"_s, 320, 180, noFolder},
         {"is_folder", u"/videos/folder.mp4"_s, 320, 180, isFolder},
         {"input_gone", written, 320, 180, inputGone},
         {"empty_input", written, 320, 180, noVideo},
@@ -77,7 +87,7 @@ void TestFailureReason::saysWhyInPlainWords_data()
          u"A video of 1000000000 x 2 is too large to be made: choose a smaller size."_s},
         {"no_decoder", written, 320, 180, noDecoder},
         {"no_sound_decoder", written, 320, 180, noSoundDecoder},
-        {"encrypted", written, 320, 180, undecodable},
+        {"encrypted", written, 320, 180, encrypted},
         {"lacing", written, 320, 180, undecodable},
     };
     for (const char *generation : {"4.1", "5.1", "7.1"}) {
@@ -90,11 +100,24 @@ void TestFailureReason::saysWhyInPlainWords_data()
     const auto row = [](const char *file, qint64 width, qint64 height, const QString &sentence) {
         QTest::newRow(file) << test::capturedText(file) << ResizeTarget{written, width, height} << sentence;
     };
-    row("5.1-fragment", 320, 180, undecodable);
+    row("5.1-fragment", 320, 180, encrypted);
+    row("5.1-too_large_to_scale", 99998, 50000,
+        u"A video of 99998 x 50000 is too large to be made: choose a smaller size."_s);
+    row("5.1-file_limit", 320, 180, fileLimit);
+    row("5.1-terminated", 320, 180, endedFromOutside);
+    row("5.1-no_format", 320, 180, u"The name of the new video must end in .mp4."_s);
+    row("5.1-input_is_folder", 320, 180, u"That is a folder, not a video."_s);
+    row("5.1-cut_early", 320, 180, cutOff);
+    row("5.1-cut_at_once", 320, 180,
+        u"The video could not be read: it is cut off, or its disk reports an error."_s);
+    row("5.1-cut_header", 320, 180, noVideo);
+    row("5.1-ends_early", 320, 180, noVideo);
+    row("5.1-no_parameters", 320, 180, noVideo);
+    row("5.1-bad_argument", 320, 180, noVideo);
     row("5.1-no_memory", 8000, 8000, noMemory);
     row("5.1-negative_size", -3, 100,
         u"A video of 177 x 100 cannot be made: choose an even size, such as 178 x 100."_s);
-    row("5.1-tiny", 320, 180, u"The converter cannot decode this video."_s);
+    row("5.1-tiny", 320, 180, u"ffmpeg cannot decode this video."_s);
     row("5.1-covers", 320, 180,
         u"The converter said: Could not write header for output file #0 (incorrect codec parameters ?): Invalid argument"_s);
 }
@@ -122,10 +145,40 @@ void TestFailureReason::readsOtherWords_data()
     };
     row("quota", "av_interleaved_write_frame(): Disk quota exceeded\n",
         u"Your share of the disk is used up: there is no space left for the new video."_s);
-    row("file size limit", "av_interleaved_write_frame(): File too large\n",
-        u"The new video is larger than the disk allows."_s);
+    row("file size limit", "av_interleaved_write_frame(): File too large\n", fileLimit);
+    row("a dying disk", "av_interleaved_write_frame(): Input/output error\n",
+        u"The new video could not be written: its disk reports an error."_s);
+    row("a dying disk, in the words of 7",
+        "[out#0/mp4 @ 0x55d0c3c0] Error writing trailer: Input/output error\n",
+        u"The new video could not be written: its disk reports an error."_s);
+    row("a disk that went", "av_interleaved_write_frame(): Transport endpoint is not connected\n",
+        u"The disk of the new video can no longer be reached."_s);
+    row("the input's disk went", "/videos/a.mp4: Stale file handle\n",
+        u"The disk of the video can no longer be reached."_s);
+    row("a program of that name", "/videos/saved/out.mp4: Text file busy\n",
+        u"The name of the new video belongs to a program that is running."_s);
+    row("no container of that name, in the words of 7",
+        "[AVFormatContext @ 0x55d0c3c0] Unable to choose an output format for '/videos/saved'; use a "
+        "standard "
+        "extension\n[out#0 @ 0x55d0c3c0] Error initializing the muxer for /videos/saved: Invalid argument\n",
+        u"The name of the new video must end in .mp4."_s);
+    row("no stream to convert, in the words of 7",
+        "[out#0/mp4 @ 0x55d0c3c0] Output file does not contain any stream\n", noVideo);
+    row("partial file",
+        "Stream mapping:\n[mov,mp4,m4a,3gp,3g2,mj2 @ 0x55d0c3c0] stream 0, offset 0x30: partial file\n"
+        "Error while decoding stream #0:0: Invalid data found when processing input\n",
+        cutOff);
+    row("encryption data, by name",
+        "    Side data:\n      Encryption initialization data (68 bytes)\nStream mapping:\n"
+        "Error while decoding stream #0:0: Invalid data found when processing input\n",
+        encrypted);
+    row("encryption data are no failure",
+        "      unknown side data type 24 (68 bytes)\nStream mapping:\nThe moon is in the way\n",
+        u"The converter said: The moon is in the way"_s);
+    row("ended by a hang-up", "Exiting normally, received signal 1.\n", endedFromOutside);
+    row("ended without mercy", "Received > 3 system signals, hard exiting\n", endedFromOutside);
     row("immutable folder", "/videos/saved/out.mp4: Operation not permitted\n", mayNotWrite);
-    row("folder became a file", "/videos/saved/out.mp4: Not a directory\n", folderGone);
+    row("folder became a file", "/videos/saved/out.mp4: Not a directory\n", noFolder);
     row("input's folder became a file", "/videos/a/in.mp4: Not a directory\n", inputGone);
     row("long name", "/videos/saved/out.mp4: File name too long\n",
         u"The name of the new video is too long."_s);
@@ -133,16 +186,16 @@ void TestFailureReason::readsOtherWords_data()
     row("decoder refuses the video",
         "  Stream #0:0: Audio: vorbis\n  Stream #0:1: Video: theora\nError while opening decoder for input "
         "stream #0:1 : Operation not permitted\n",
-        u"The converter cannot decode this video."_s);
+        u"ffmpeg cannot decode this video."_s);
     row("decoder refuses the sound",
         "  Stream #0:0(und): Audio: aac\n  Stream #0:1: Video: theora\nError while opening decoder for input "
         "stream #0:0 : Function not implemented\n",
-        u"The converter cannot decode the sound of this video."_s);
-    row("no encoder", "Unknown encoder 'libx264'\n", u"The converter has no encoder for MP4 videos."_s);
+        u"ffmpeg cannot decode the sound of this video."_s);
+    row("no encoder", "Unknown encoder 'libx264'\n", u"ffmpeg has no encoder for MP4 videos."_s);
     row("encoder left out",
         "Automatic encoder selection failed for output stream #0:0. Default encoder for format mp4 (codec "
         "h264) is probably disabled. Please choose an encoder manually.\n",
-        u"The converter has no encoder for MP4 videos."_s);
+        u"ffmpeg has no encoder for MP4 videos."_s);
     row("protected",
         "[asf @ 0x55d0c3c0] DRM protected stream detected, decoding will likely fail!\nConversion failed!\n",
         u"The video is encrypted: it cannot be converted."_s);
@@ -279,6 +332,43 @@ void TestFailureReason::knowsATargetWithALineBreak()
     JobEnd end = endedWith(1, "/videos/new\rline\nbreak.mp4: Permission denied\n");
     end.target.path = u"/videos/new\rline\nbreak.mp4"_s;
     QCOMPARE(failureOfJob(end, FileProbe()).value().sentence, mayNotWrite);
+}
+
+// What encrypts the video stands before 200 KB of lines about its pictures.
+void TestFailureReason::readsTheHeadOfALongText()
+{
+    const QByteArray start = test::capturedText("5.1-encrypted");
+    const QByteArray pictures = QByteArray("[h264 @ 0x55d0c3c0] decode_slice_header error\n"
+                                           "Error while decoding stream #0:0: Invalid data found when "
+                                           "processing input\n")
+                                    .repeated(2000);
+    ConverterText text;
+    text.add(start + pictures);
+    QCOMPARE(failureOfJob(endedWith(69, pictures), FileProbe()).value().sentence, noVideo);
+    QCOMPARE(failureOfJob(endedWith(69, text.text()), FileProbe()).value().sentence, encrypted);
+}
+
+void TestFailureReason::saysWhatASignalMeans_data()
+{
+    QTest::addColumn<int>("signal");
+    QTest::addColumn<QString>("sentence");
+    QTest::newRow("killed") << SIGKILL << u"ffmpeg was killed by the system or by another program."_s;
+    for (const int signal : {SIGTERM, SIGINT, SIGHUP, SIGQUIT})
+        QTest::addRow("ended %d", signal) << signal << endedFromOutside;
+    for (const int signal : {SIGSEGV, SIGABRT, SIGFPE, SIGBUS, SIGILL, SIGTRAP, SIGSYS})
+        QTest::addRow("crashed %d", signal) << signal << u"ffmpeg crashed (signal %1)."_s.arg(signal);
+    QTest::newRow("file size") << SIGXFSZ
+                               << u"The new video is larger than the limit for files (ulimit -f) allows."_s;
+    QTest::newRow("processor time")
+        << SIGXCPU << u"ffmpeg needed more time of the processor than the limit (ulimit -t) allows."_s;
+    QTest::newRow("pipe") << SIGPIPE << u"ffmpeg ended because nobody reads any more what it writes."_s;
+    QTest::newRow("another") << SIGUSR1 << u"ffmpeg was ended by signal %1."_s.arg(SIGUSR1);
+}
+
+void TestFailureReason::saysWhatASignalMeans()
+{
+    QFETCH(int, signal);
+    QTEST(signalSentence(signal), "sentence");
 }
 
 } // namespace

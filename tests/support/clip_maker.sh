@@ -21,5 +21,15 @@ make() {
     mv "part.$name" "$name"
 }
 
+# make_turned NAME DEGREES: the plain clip with a display matrix that turns it so far against the clock. Converters up to
+# FFmpeg 5 make the matrix from a tag, later ones from an option.
+make_turned() {
+    if "$ffmpeg" -hide_banner -h long | grep -e '^ *-display_rotation' >/dev/null; then
+        make "$1" -display_rotation "$2" -i plain.mp4 -c copy
+    else
+        make "$1" -i plain.mp4 -c copy -metadata:s:v rotate="$(((360 + $2) % 360))"
+    fi
+}
+
 video() { echo "testsrc2=size=$1:rate=25:duration=$2"; }
 tone() { echo "sine=frequency=440:sample_rate=44100:duration=$1"; }

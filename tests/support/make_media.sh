@@ -13,10 +13,10 @@ make odd.mkv -f lavfi -i "testsrc=size=853x480:rate=25:duration=1" -c:v ffv1
 # Long enough for a cancel in the middle.
 make long.mp4 -f lavfi -i "$(video 1280x720 30)" -pix_fmt yuv420p -preset ultrafast
 # What a phone held upright writes: coded 640 x 360, shown 360 x 640 (display matrix, -90).
-make portrait.mp4 -i plain.mp4 -c copy -metadata:s:v rotate=270
-# The quarter turn the other way (+90) and the half turn.
-make portrait_other.mp4 -i plain.mp4 -c copy -metadata:s:v rotate=90
-make upside_down.mp4 -i plain.mp4 -c copy -metadata:s:v rotate=180
+make_turned portrait.mp4 -90
+# The quarter turn the other way and the half turn.
+make_turned portrait_other.mp4 90
+make_turned upside_down.mp4 180
 # Six channels of sound.
 make surround.mkv -f lavfi -i "$(video 320x180 1)" -f lavfi -i "$(tone 1)" -pix_fmt yuv420p -ac 6 -c:a ac3 -shortest
 # Sound only, and sound with a cover picture.

@@ -21,7 +21,8 @@ width or a height whose other side follows. The original is never changed.
 .
 The command line tessaly-cli does the same without a screen.")
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
-# What no library tells: the tools that are run, the plugin that draws the icons, and those that open the window.
-set(CPACK_DEBIAN_PACKAGE_DEPENDS "ffmpeg, libqt6svg6, qt6-qpa-plugins")
+# What no library tells: the tools that are run, the plugin that draws the icons, and those that open the window. The library
+# for SVG has held its plugin itself up to the version that is named.
+set(CPACK_DEBIAN_PACKAGE_DEPENDS "ffmpeg, qt6-svg-plugins | libqt6svg6 (<< 6.7.2-5~), qt6-qpa-plugins")
 set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "qt6-wayland")
 include(CPack)

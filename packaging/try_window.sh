@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# Starts the window without a screen, asks it to end, and sees that it did so well: try_window.sh PROGRAM
+# Starts the window without a screen, sees that it can draw its icons, asks it to end, and sees that it did so well:
+# try_window.sh PROGRAM
 set -eu
 program=$1
 work=$(mktemp -d)
@@ -23,12 +24,19 @@ handles_sigterm() {
     caught=$(sed -n 's/^SigCgt:[[:space:]]*//p' "/proc/$pid/status" 2>/dev/null)
     [ -n "$caught" ] && [ $((16#$caught >> 14 & 1)) -eq 1 ]
 }
-ends=$((SECONDS + 60))
-until handles_sigterm; do
-    kill -0 "$pid" 2>/dev/null || fail "ended by itself"
-    [ "$SECONDS" -lt "$ends" ] || fail "did not start within 60 s"
-    sleep 0.1
-done
+# Qt says nothing when the plugin for its icons is missing: they are empty then.
+draws_icons() { grep -q '/imageformats/libqsvg\.so' "/proc/$pid/maps"; }
+# within_60_s COMPLAINT CONDITION
+within_60_s() {
+    local ends=$((SECONDS + 60))
+    until "$2"; do
+        kill -0 "$pid" 2>/dev/null || fail "ended by itself"
+        [ "$SECONDS" -lt "$ends" ] || fail "$1 within 60 s"
+        sleep 0.1
+    done
+}
+within_60_s "did not start" handles_sigterm
+within_60_s "did not draw its icons" draws_icons
 kill -TERM "$pid"
 status=0
 wait "$pid" || status=$?

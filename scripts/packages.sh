@@ -11,9 +11,11 @@ fail() {
 # The Debian packages that a build needs, that the programs need beside them, that the tests need beside those, and that the
 # fuzz preset needs.
 build_packages="g++ cmake ninja-build qt6-base-dev nlohmann-json3-dev ffmpeg"
-run_packages="libqt6svg6 qt6-qpa-plugins"
+icon_plugin=qt6-svg-plugins # Debian 12 has it in the library's own package
+if grep -qsx 'VERSION_CODENAME=bookworm' /etc/os-release; then icon_plugin=libqt6svg6; fi
+run_packages="$icon_plugin qt6-qpa-plugins"
 test_packages="xvfb xdotool dbus-daemon at-spi2-core locales fonts-dejavu-core desktop-file-utils appstream mandoc"
-fuzz_packages="clang libclang-rt-14-dev"
+fuzz_packages="clang libclang-rt-dev"
 
 missing_packages() {
     local package

@@ -67,6 +67,32 @@ private Q_SLOTS:
         QVERIFY(!app.window.windowIcon().pixmap(64, 64).isNull());
     }
 
+    void theToolBarShowsItsIcons_data()
+    {
+        QTest::addColumn<QString>("action");
+        for (const QString &name : {u"openBTN"_s, u"saveBTN"_s, u"helpBTN"_s})
+            QTest::newRow(qPrintable(name)) << name;
+    }
+
+    // Without the plugin that draws them they are there, but empty.
+    void theToolBarShowsItsIcons()
+    {
+        QFETCH(QString, action);
+        const AppHarness app;
+        auto *item = app.window.findChild<QAction *>(action);
+        auto *toolBar = app.find<QToolBar>("toolBar");
+        QVERIFY(item && toolBar);
+        QWidget *button = toolBar->widgetForAction(item);
+        QVERIFY(button);
+        const QImage shown = button->grab().toImage();
+        QPixmap nothing(toolBar->iconSize());
+        nothing.fill(Qt::transparent);
+        item->setIcon(nothing);
+        const QImage bare = button->grab().toImage();
+        QCOMPARE(shown.size(), bare.size());
+        QVERIFY(shown != bare);
+    }
+
     void resetLeavesWhatItIsNotToTouch()
     {
         AppHarness app;

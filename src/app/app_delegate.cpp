@@ -1,5 +1,6 @@
 #include "app/app_delegate.h"
 
+#include "app/job_follower.h"
 #include "platform/busy_input.h"
 #include "platform/temporary_directory.h"
 #include "ui/alert.h"
@@ -82,7 +83,8 @@ void AppDelegate::showAlert(const QString &message, const QString &information)
 
 bool AppDelegate::isBusy() const
 {
-    return m_panelIsUp || m_outputGuard || BusyInput::isBusy() || progressWindow->isVisible();
+    const bool jobIsUnderWay = globalProcess && globalProcess->isUnderWay();
+    return m_panelIsUp || jobIsUnderWay || BusyInput::isBusy() || progressWindow->isVisible();
 }
 
 } // namespace tessaly

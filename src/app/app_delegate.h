@@ -1,27 +1,21 @@
 // The one controller: it owns no control, but every command and every control of the window lands here.
 #pragma once
 
-#include "jobs/converter_run.h"
-#include "jobs/failure_report.h"
-#include "jobs/output_guard.h"
 #include "jobs/poster_frames.h"
-#include "jobs/progress.h"
+#include "jobs/resize_job.h"
 #include "platform/notification_center.h"
 #include "probe/file_probe.h"
 #include "probe/refusal.h"
 #include "ui/image_drop_view.h"
-#include "ui/launcher_progress.h"
 #include "ui/main_window.h"
 #include "ui/number_field.h"
 #include "ui/outlet.h"
 #include "ui/progress_bar.h"
 #include "ui/progress_sheet.h"
-#include "ui/sleep_inhibitor.h"
 #include "ui/slider.h"
 
 #include <QAction>
 #include <QCheckBox>
-#include <QElapsedTimer>
 #include <QLabel>
 #include <QPushButton>
 
@@ -29,6 +23,8 @@
 #include <optional>
 
 namespace tessaly {
+
+class JobFollower;
 
 // Shown by the help alert and by refusals.
 inline constexpr QLatin1StringView supportAddress("support@tessaly.example");
@@ -52,8 +48,8 @@ public:
     Outlet<QAction> saveBTN{"saveBTN"};
     Outlet<QLabel> inputLBL{"inputLBL"};
     Outlet<QCheckBox> proportionalCBX{"proportionalCBX"};
-    Outlet<QLabel> sliderTitleLBL{
-        "sliderTitleLBL"};                    // its text is the size mode: "Scale:", "Width:" or "Height:"
+    // Its text is the size mode: "Scale:", "Width:" or "Height:".
+    Outlet<QLabel> sliderTitleLBL{"sliderTitleLBL"};
     Outlet<Slider> sizeSLDR{"sizeSLDR"};      // percent of the input
     Outlet<NumberField> widthTF{"widthTF"};   // pixels
     Outlet<NumberField> heightTF{"heightTF"}; // pixels
@@ -63,13 +59,13 @@ public:
     double originalRatio = 1.0;  // width over height
     QString currentFocussedTF;   // the field that the slider drives: "None", "WidthTF", "HeightTF"
     std::shared_ptr<const FileProbe> globalFP;    // the file that was opened last, also a refused one
-    std::shared_ptr<ConverterRun> globalProcess;  // the current or the last converter
+    std::shared_ptr<ResizeJob> globalProcess;     // the current or the last job with its converter
     std::optional<bool> isProcessCancelledByUser; // absent before the first job
     // How long the prober may take for a file, the converter for a still, and a cancelled converter to end,
     // until they are killed.
-    std::chrono::milliseconds proberPatience = proberTimeLimit;
-    std::chrono::milliseconds stillPatience = posterFrameTimeLimit;
-    std::chrono::milliseconds cancelPatience = ConverterRun::cancelPatience;
+    std::chrono::milliseconds probeLimit = proberTimeLimit;
+    std::chrono::milliseconds stillLimit = posterFrameTimeLimit;
+    std::chrono::milliseconds cancelLimit = ResizeJob::cancelLimit;
     Outlet<ImageDropView> posterView{"posterView"};
     Outlet<Slider> posterPositionSlider{"posterPositionSlider"};
     Outlet<QAction> posterPositionSliderTBI{"posterPositionSliderTBI"};
@@ -139,8 +135,8 @@ public:
     void endResizingSheet();
 
     // Its end (completion.cpp).
-    void finishResize(const QString &outputPath, const RunOutcome &outcome);
-    void showCompletionReport(const FileProbe &outputProbe, const RunOutcome &outcome);
+    void finishResize(const QString &outputPath);
+    void showCompletionReport(const FileProbe &outputProbe);
     void handleCompletionButton(int response, const FileProbe &outputProbe);
 
     // Ends the program as soon as what runs has been stopped and cleaned up. Any thread.
@@ -153,23 +149,17 @@ private:
     void connectActions(MainWindow *form);
     void refuse(Refusal refusal);
     bool isTheInput(const QString &outputPath) const;
-    void runConverter(ConverterRun &converter, const QStringList &arguments, const QString &outputPath,
-                      double duration);
-    void showProgress(double percent);
+    void runConverter(ResizeJob &job, const QString &outputPath);
     void stopJobForGood();
-    void showFailure(const Failure &failure);
+    void showDone(const JobDone &done);
+    void showRemarks(const std::vector<Remark> &remarks);
+    void showFailure(const JobFailed &failure);
     void notifyWhenUnseen(const QString &title, const QString &text) const;
 
     bool m_panelIsUp = false;
-    QString m_lastVideoFolder; // where the open panel starts
-    // Of the running job.
-    ResizeTarget m_target;
-    std::optional<OutputGuard> m_outputGuard; // from the job's start until its report
-    RemainingTime m_remainingTime;
-    QElapsedTimer m_jobTime;
-    std::optional<SleepInhibitor> m_sleepInhibitor;
-    std::optional<LauncherProgress> m_launcherProgress;
-    bool m_endIsUnseen = false; // none of our windows was in front when the job ended
+    QString m_lastVideoFolder;                  // where the open panel starts
+    std::unique_ptr<JobFollower> m_jobFollower; // while the sheet of a job is up
+    bool m_endIsUnseen = false;                 // none of our windows was in front when the job ended
 };
 
 } // namespace tessaly

@@ -1,7 +1,6 @@
-// The end of a job: the report, or the reason why there is none.
+// The end of a job: the report, or why there is none.
 #include "app/app_delegate.h"
 #include "jobs/completion_text.h"
-#include "jobs/failure_report.h"
 #include "platform/child_process.h"
 #include "platform/paths.h"
 #include "ui/alert.h"
@@ -14,43 +13,61 @@ namespace tessaly {
 
 using namespace Qt::StringLiterals;
 
-void AppDelegate::finishResize(const QString &outputPath, const RunOutcome &outcome)
+void AppDelegate::finishResize(const QString &outputPath)
 {
     m_endIsUnseen = QApplication::activeWindow() == nullptr; // before our own sheets change that
     endResizingSheet();
-    const FileProbe outputProbe(outputPath);
+    const FileProbe outputProbe(outputPath, probeLimit);
     if (runsAreEnding()) return; // the end of the program clears away what the job left
-    showCompletionReport(outputProbe, outcome);
+    showCompletionReport(outputProbe);
 }
 
-void AppDelegate::showCompletionReport(const FileProbe &outputProbe, const RunOutcome &outcome)
+void AppDelegate::showCompletionReport(const FileProbe &outputProbe)
 {
     if (!isProcessCancelledByUser) qFatal("A job has ended that was never started");
-    const OutputGuard guard = *m_outputGuard;
-    m_outputGuard.reset();
-    if (*isProcessCancelledByUser) {
-        guard.removeIfTouched();
-        return;
-    }
-    const JobEnd end{.outcome = outcome, .targetTouched = guard.wasTouched(), .target = m_target};
-    if (const std::optional<Failure> failure = failureOfJob(end, outputProbe)) {
-        guard.removeIfTouched();
-        showFailure(*failure);
-        return;
-    }
-    const FileProbe finalProbe(*outputProbe.fileFullPath);
     showInputFacts();
-    if (const auto shorter = shorterThanInput(globalFP->duration, finalProbe.duration))
-        window->showStatus(*shorter);
+    const JobEnd end = globalProcess->end(outputProbe);
+    if (const auto *done = std::get_if<JobDone>(&end)) showDone(*done);
+    if (const auto *failed = std::get_if<JobFailed>(&end)) showFailure(*failed);
+    const auto *cancelled = std::get_if<JobCancelled>(&end);
+    if (cancelled && cancelled->leftover) window->showStatus(*cancelled->leftover);
+}
+
+void AppDelegate::showDone(const JobDone &done)
+{
+    const FileProbe &outputProbe = done.output;
+    const FileProbe finalProbe(*outputProbe.fileFullPath, probeLimit);
+    QStringList sentences;
+    for (const Remark &remark : done.remarks)
+        sentences += remark.sentence;
+    if (!sentences.isEmpty()) window->showStatus(sentences.join(u' '));
+
     Alert alert{.messageText = u"Video Resized Successfully!"_s,
                 .informativeText = completionText(*globalFP, outputProbe, finalProbe),
                 .style = Alert::Style::informational};
+    if (done.uncheckedBecause) {
+        alert.messageText = tr("The new video could not be checked.");
+        alert.informativeText = *done.uncheckedBecause + u' ' + tr("The file was kept.");
+        alert.style = Alert::Style::warning;
+    }
     alert.addButtonWithTitle(u"OK"_s);
     alert.addButtonWithTitle(u"Show in Finder"_s);
     alert.addButtonWithTitle(u"Launch Video in QuickTime"_s);
-    alert.beginSheet(window.get(),
-                     [this, outputProbe](int response) { handleCompletionButton(response, outputProbe); });
+    alert.beginSheet(window.get(), [this, done](int response) {
+        handleCompletionButton(response, done.output);
+        showRemarks(done.remarks);
+    });
     notifyWhenUnseen(alert.messageText, lastPathComponent(*outputProbe.fileFullPath));
+}
+
+// What is serious is not left to the status line.
+void AppDelegate::showRemarks(const std::vector<Remark> &remarks)
+{
+    QStringList serious;
+    for (const Remark &remark : remarks) {
+        if (remark.isSerious) serious += remark.sentence;
+    }
+    if (!serious.isEmpty()) showAlert(tr("The new video may not be what you expect."), serious.join(u'\n'));
 }
 
 void AppDelegate::notifyWhenUnseen(const QString &title, const QString &text) const
@@ -65,7 +82,7 @@ void AppDelegate::handleCompletionButton(int response, const FileProbe &outputPr
     if (response == firstAlertResponse + 2) playInVideoPlayer(*outputProbe.fileFullPath, onFailure);
 }
 
-void AppDelegate::showFailure(const Failure &failure)
+void AppDelegate::showFailure(const JobFailed &failure)
 {
     Alert alert{.messageText = resizeFailedMessage(),
                 .informativeText = failure.sentence,

@@ -1,7 +1,9 @@
 // The converter's run: the sheet that follows it, and how it is stopped.
 #include "app/app_delegate.h"
+#include "app/job_follower.h"
 #include "platform/child_process.h"
 #include "platform/main_queue.h"
+#include "platform/printing.h"
 
 #include <QCoreApplication>
 #include <QEvent>
@@ -12,15 +14,13 @@ namespace tessaly {
 using namespace Qt::StringLiterals;
 
 // On a pool thread, which it blocks until the child has exited.
-void AppDelegate::runConverter(ConverterRun &converter, const QStringList &arguments,
-                               const QString &outputPath, double duration)
+void AppDelegate::runConverter(ResizeJob &job, const QString &outputPath)
 {
     asyncOnMainQueue(this, [this] { showResizingSheet(); });
-    const RunOutcome outcome = converter.run(arguments, [this, duration](const QByteArray &chunk) {
-        const std::optional<double> percent = percentOfChunk(chunk, duration);
-        if (percent) asyncOnMainQueue(this, [this, percent] { showProgress(*percent); });
+    job.convert([this](double percent) {
+        asyncOnMainQueue(this, [this, percent] { m_jobFollower->showProgress(percent); });
     });
-    asyncOnMainQueue(this, [this, outputPath, outcome] { finishResize(outputPath, outcome); });
+    asyncOnMainQueue(this, [this, outputPath] { finishResize(outputPath); });
 }
 
 void AppDelegate::showResizingSheet()
@@ -30,32 +30,23 @@ void AppDelegate::showResizingSheet()
     progressCancel->setEnabled(true);
     progressCancel->show();
     progressWindow->beginSheet(window.get());
-    m_sleepInhibitor.emplace(u"A video is being resized"_s);
-    m_launcherProgress.emplace().show(0);
-}
-
-void AppDelegate::showProgress(double percent)
-{
-    progressBar->setDoubleValue(percent);
-    m_launcherProgress->show(percent);
-    m_remainingTime.addReading(percent, std::chrono::milliseconds(m_jobTime.elapsed()));
-    progressDetail->setText(m_remainingTime.text());
+    m_jobFollower = std::make_unique<JobFollower>(*progressBar, *progressDetail);
 }
 
 void AppDelegate::closeBTNInsideProgressWindowClicked(QObject *)
 {
-    globalProcess->requestStop(cancelPatience);
+    globalProcess->cancel(cancelLimit);
     isProcessCancelledByUser = true;
+    progressCancel->setEnabled(false);
+    if (m_jobFollower) m_jobFollower->tellCancelling(); // else the sheet is not up yet
 }
 
 void AppDelegate::endResizingSheet()
 {
+    m_jobFollower.reset();
     progressBar->setDoubleValue(0);
-    progressDetail->clear();
     progressCancel->hide();
     progressWindow->endSheet();
-    m_sleepInhibitor.reset();
-    m_launcherProgress.reset();
 }
 
 void AppDelegate::endSoon()
@@ -77,9 +68,12 @@ bool AppDelegate::eventFilter(QObject *watched, QEvent *event)
 void AppDelegate::stopJobForGood()
 {
     if (!globalProcess) return;
-    globalProcess->requestStop(ConverterRun::endPatience);
+    globalProcess->cancel(ResizeJob::programEndLimit);
     QThreadPool::globalInstance()->waitForDone();
-    if (m_outputGuard) m_outputGuard->removeIfTouched();
+    if (!globalProcess->isUnderWay()) return;
+    const JobEnd end = globalProcess->end({});
+    if (const auto *cancelled = std::get_if<JobCancelled>(&end); cancelled && cancelled->leftover)
+        print(*cancelled->leftover);
 }
 
 } // namespace tessaly

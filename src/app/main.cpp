@@ -11,6 +11,7 @@ using namespace tessaly;
 int main(int argc, char *argv[])
 {
     useUtf8Locale();
+    outliveReaders();
     if (const std::optional<int> answered = answerCommandLine(argc, argv)) return *answered;
 
     const std::unique_ptr<QApplication> application = startApplication(argc, argv);

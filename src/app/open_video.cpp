@@ -48,7 +48,7 @@ void AppDelegate::openVideo(const QUrl &url)
     resetInterface();
     const QString path = filePath(url);
     m_lastVideoFolder = QFileInfo(path).path();
-    globalFP = std::make_shared<const FileProbe>(path, proberPatience);
+    globalFP = std::make_shared<const FileProbe>(path, probeLimit);
     if (runsAreEnding()) return;
     if (const std::optional<Refusal> refusal = refusalOf(*globalFP, path)) {
         refuse(*refusal);

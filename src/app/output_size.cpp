@@ -2,7 +2,7 @@
 // slider drives both sides, with "Width:" or "Height:" that one alone. A typed size is made even by lowering,
 // a computed one by rounding.
 #include "app/app_delegate.h"
-#include "jobs/even_size.h"
+#include "jobs/frame_size.h"
 
 namespace tessaly {
 
@@ -14,22 +14,17 @@ const auto scaleCaption = u"Scale:"_s;
 const auto widthCaption = u"Width:"_s;
 const auto heightCaption = u"Height:"_s;
 
-// A size that cannot be computed (an infinite ratio, an overflow) leaves the field as it is.
-void setEvenSize(NumberField &field, double size)
+// A side that cannot be computed (an infinite ratio, an overflow) leaves the field as it is.
+void setSide(NumberField &field, std::optional<qint64> side)
 {
-    if (const std::optional<qint64> even = evenSize(size)) field.setIntegerValue(*even);
+    if (side) field.setIntegerValue(*side);
 }
 
 void lowerToEven(NumberField &field)
 {
-    const qint64 size = field.integerValue();
-    const bool isOdd = (size & 1) != 0;
-    if (isOdd) field.setIntegerValue(size - 1);
-}
-
-double percentOf(const NumberField &field, qint64 original)
-{
-    return field.doubleValue() / static_cast<double>(original) * 100.0;
+    const qint64 side = field.integerValue();
+    const qint64 even = loweredToEven(side);
+    if (even != side) field.setIntegerValue(even);
 }
 
 } // namespace
@@ -72,35 +67,33 @@ void AppDelegate::applyProportionalState()
     }
     sliderTitleLBL->setText(scaleCaption);
     currentFocussedTF = u"None"_s;
-    const double scale = sizeSLDR->doubleValue() / 100.0;
-    setEvenSize(*widthTF, static_cast<double>(originalWidth) * scale);
-    setEvenSize(*heightTF, scale * static_cast<double>(originalHeight));
+    setSide(*widthTF, scaledSide(originalWidth, sizeSLDR->doubleValue()));
+    setSide(*heightTF, scaledSide(originalHeight, sizeSLDR->doubleValue()));
 }
 
 void AppDelegate::applySliderValue()
 {
     const QString caption = sliderTitleLBL->text();
-    const double scale = sizeSLDR->doubleValue() / 100.0;
-    const double width = static_cast<double>(originalWidth) * scale;
-    const double height = scale * static_cast<double>(originalHeight);
-    if (caption == scaleCaption || caption == widthCaption) setEvenSize(*widthTF, width);
-    if (caption == scaleCaption || caption == heightCaption) setEvenSize(*heightTF, height);
+    const std::optional<qint64> width = scaledSide(originalWidth, sizeSLDR->doubleValue());
+    const std::optional<qint64> height = scaledSide(originalHeight, sizeSLDR->doubleValue());
+    if (caption == scaleCaption || caption == widthCaption) setSide(*widthTF, width);
+    if (caption == scaleCaption || caption == heightCaption) setSide(*heightTF, height);
 }
 
 void AppDelegate::updateFromWidth()
 {
     lowerToEven(*widthTF);
     if (sliderTitleLBL->text() == scaleCaption)
-        setEvenSize(*heightTF, widthTF->doubleValue() / originalRatio);
-    sizeSLDR->setDoubleValue(percentOf(*widthTF, originalWidth));
+        setSide(*heightTF, heightFollowing(widthTF->doubleValue(), originalRatio));
+    sizeSLDR->setDoubleValue(percentOf(widthTF->doubleValue(), originalWidth));
 }
 
 void AppDelegate::updateFromHeight()
 {
     lowerToEven(*heightTF);
     if (sliderTitleLBL->text() == scaleCaption)
-        setEvenSize(*widthTF, heightTF->doubleValue() * originalRatio);
-    sizeSLDR->setDoubleValue(percentOf(*heightTF, originalHeight));
+        setSide(*widthTF, widthFollowing(heightTF->doubleValue(), originalRatio));
+    sizeSLDR->setDoubleValue(percentOf(heightTF->doubleValue(), originalHeight));
 }
 
 void AppDelegate::selectWidthField()
@@ -109,7 +102,7 @@ void AppDelegate::selectWidthField()
         sliderTitleLBL->setText(widthCaption);
         currentFocussedTF = u"WidthTF"_s;
     }
-    sizeSLDR->setDoubleValue(percentOf(*widthTF, originalWidth));
+    sizeSLDR->setDoubleValue(percentOf(widthTF->doubleValue(), originalWidth));
 }
 
 void AppDelegate::selectHeightField()
@@ -118,7 +111,7 @@ void AppDelegate::selectHeightField()
         sliderTitleLBL->setText(heightCaption);
         currentFocussedTF = u"HeightTF"_s;
     }
-    sizeSLDR->setDoubleValue(percentOf(*heightTF, originalHeight));
+    sizeSLDR->setDoubleValue(percentOf(heightTF->doubleValue(), originalHeight));
 }
 
 } // namespace tessaly

@@ -56,7 +56,9 @@ void AppDelegate::extractPosterFrames(double duration, const QString &inputPath)
     remakeFolder(posterFrameFolder());
     if (const std::optional<QString> creator = pathForResource(u"creator"_s)) {
         for (int number = 1; number <= posterFrameCount; ++number) {
-            runToEnd(*creator, posterFrameArguments(number, duration, inputPath), {.time = stillPatience});
+            const ProcessOutcome outcome =
+                runToEnd(*creator, posterFrameArguments(number, duration, inputPath), {.time = stillLimit});
+            if (outcome.end == ProcessOutcome::End::stopped) break; // the program is ending
             showPosterFrame(number);
             progressBar->setDoubleValue(10.0 * (number - 1));
         }

@@ -2,6 +2,7 @@
 #include "app/app_delegate.h"
 #include "jobs/output_name.h"
 #include "jobs/resize_arguments.h"
+#include "jobs/resize_job.h"
 #include "platform/main_queue.h"
 #include "platform/paths.h"
 #include "ui/alert.h"
@@ -67,16 +68,11 @@ bool AppDelegate::isTheInput(const QString &outputPath) const
 void AppDelegate::startResize(const QString &outputPath, const QStringList &arguments)
 {
     isProcessCancelledByUser = false;
-    m_target = {.path = outputPath, .width = widthTF->integerValue(), .height = heightTF->integerValue()};
-    m_outputGuard.emplace(outputPath, *globalFP->fileFullPath);
-    m_remainingTime = {};
-    m_jobTime.start();
+    const ResizeTarget target{
+        .path = outputPath, .width = widthTF->integerValue(), .height = heightTF->integerValue()};
     // Known before the child runs, so that a cancel reaches it at any time.
-    globalProcess = std::make_shared<ConverterRun>();
-    asyncOnGlobalQueue(
-        [this, converter = globalProcess, arguments, outputPath, duration = globalFP->duration] {
-            runConverter(*converter, arguments, outputPath, duration);
-        });
+    globalProcess = std::make_shared<ResizeJob>(globalFP, target, arguments);
+    asyncOnGlobalQueue([this, job = globalProcess, outputPath] { runConverter(*job, outputPath); });
 }
 
 } // namespace tessaly

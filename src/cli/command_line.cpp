@@ -127,7 +127,7 @@ Command readResize(const QStringList &words)
                           .force = parser.isSet(force),
                           .quiet = parser.isSet(quiet),
                           .verbose = parser.isSet(verbose)};
-    if (const std::optional<QString> fault = readSize(parser, command.size)) return WrongUsage{*fault};
+    if (const std::optional<QString> refusal = readSize(parser, command.size)) return WrongUsage{*refusal};
     return command;
 }
 

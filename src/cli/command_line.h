@@ -1,6 +1,8 @@
 // Reads the words of a tessaly-cli call.
 #pragma once
 
+#include "jobs/frame_size.h"
+
 #include <QByteArrayList>
 #include <QString>
 
@@ -24,19 +26,11 @@ struct InfoCommand
     bool verbose = false; // diagnostics go to standard error instead of nowhere
 };
 
-// The size that was asked for. Neither side given: the scale counts.
-struct SizeWish
-{
-    double percent = 100;         // above 0
-    std::optional<qint64> width;  // pixels, at least 2
-    std::optional<qint64> height; // pixels, at least 2
-};
-
 struct ResizeCommand
 {
     NamedFile input;
-    NamedFile output; // as named, perhaps without its extension
-    SizeWish size;
+    NamedFile output;   // as named, perhaps without its extension
+    SizeWish size;      // above 0 percent, sides of at least 2 pixels
     bool force = false; // an existing file may be replaced
     bool quiet = false; // no progress, no report
     bool verbose = false;
@@ -49,7 +43,7 @@ struct ShowText // --help, --version
 
 struct WrongUsage
 {
-    QString reason; // one line
+    QString refusal; // one line
 };
 
 using Command = std::variant<InfoCommand, ResizeCommand, ShowText, WrongUsage>;

@@ -2,6 +2,7 @@
 #include "cli/info_command.h"
 #include "cli/resize_command.h"
 #include "cli/streams.h"
+#include "platform/termination_watch.h"
 #include "platform/utf8_locale.h"
 
 #include <QCoreApplication>
@@ -20,7 +21,7 @@ int run(const ShowText &show)
 
 int run(const WrongUsage &wrong)
 {
-    complain(wrong.reason + u" See tessaly-cli --help."_s);
+    complain(wrong.refusal + u" See tessaly-cli --help."_s);
     return exitWrongUsage;
 }
 
@@ -39,6 +40,7 @@ int run(const ResizeCommand &resize)
 int main(int argc, char *argv[])
 {
     useUtf8Locale();
+    outliveReaders();
     const QCoreApplication application(argc, argv);
     QByteArrayList words;
     for (int i = 1; i < argc; ++i)

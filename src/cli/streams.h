@@ -12,7 +12,7 @@ namespace tessaly {
 bool write(std::FILE *stream, const QByteArray &text);
 
 // Writes to standard output; false, with a complaint, when that does not take it.
-bool writeOutput(const QByteArray &text);
+[[nodiscard]] bool writeOutput(const QByteArray &text);
 
 // One line on standard error, behind the program's name; control characters become escapes.
 void complain(const QString &complaint);

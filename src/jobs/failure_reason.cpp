@@ -1,7 +1,7 @@
 #include "jobs/failure_reason.h"
 
 #include "jobs/converter_text.h"
-#include "jobs/even_size.h"
+#include "jobs/frame_size.h"
 
 #include <QRegularExpression>
 

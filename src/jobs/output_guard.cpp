@@ -2,12 +2,55 @@
 
 #include <QFile>
 
-#include <cstdlib>
-#include <cstring>
-#include <memory>
+#include <filesystem>
+
+#include <fcntl.h>
 #include <unistd.h>
 
 namespace tessaly {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+#ifdef O_PATH
+constexpr int holdingOnly = O_PATH;
+#else
+constexpr int holdingOnly = O_RDONLY;
+#endif
+
+// What a chain of symbolic links leads to, also when nothing is there.
+QByteArray withoutLinks(QByteArray path)
+{
+    constexpr int longestChain = 40; // as the system has it
+    QByteArray next(4096, '\0');
+    for (int i = 0; i < longestChain; ++i) {
+        const ssize_t size = ::readlink(path.constData(), next.data(), static_cast<std::size_t>(next.size()));
+        if (size < 0) break;
+        const QByteArray target = next.first(size);
+        path = target.startsWith('/') ? target : path.first(path.lastIndexOf('/') + 1) + target;
+    }
+    return path;
+}
+
+bool isOpenForWriting(const QString &process, const std::string &descriptor)
+{
+    QFile facts(u"/proc/"_s + process + u"/fdinfo/"_s + QString::fromStdString(descriptor));
+    if (!facts.open(QIODevice::ReadOnly)) return false;
+    for (const QByteArray &line : facts.readAll().split('\n')) {
+        if (line.startsWith("flags:"))
+            return (line.mid(6).trimmed().toInt(nullptr, 8) & O_ACCMODE) != O_RDONLY;
+    }
+    return false;
+}
+
+QList<QByteArray> childrenOf(const QString &process)
+{
+    QFile list(u"/proc/"_s + process + u"/task/"_s + process + u"/children"_s);
+    return list.open(QIODevice::ReadOnly) ? list.readAll().simplified().split(' ') : QList<QByteArray>();
+}
+
+} // namespace
 
 bool OutputGuard::State::isSameFile(const State &other) const
 {
@@ -21,42 +64,79 @@ bool OutputGuard::State::operator==(const State &other) const
            modified.tv_nsec == other.modified.tv_nsec;
 }
 
-OutputGuard::State OutputGuard::stateOf(const QByteArray &path, Links links)
+OutputGuard::State OutputGuard::stateOf(const struct stat &found)
 {
-    struct stat found = {};
-    const int error =
-        links == Links::follow ? ::stat(path.constData(), &found) : ::lstat(path.constData(), &found);
-    if (error) return {};
     return {true, found.st_dev, found.st_ino, found.st_mode, found.st_size, found.st_mtim};
 }
 
-OutputGuard::OutputGuard(const QString &outputPath, const QString &inputPath)
-    : m_outputPath(QFile::encodeName(outputPath)),
-      m_inputPath(QFile::encodeName(inputPath)),
-      m_place(stateOf(m_outputPath, Links::stay)),
-      m_target(stateOf(m_outputPath, Links::follow)),
-      m_input(stateOf(m_inputPath, Links::follow))
-{}
-
-bool OutputGuard::wasTouched() const
+OutputGuard::State OutputGuard::stateOf(const QByteArray &path)
 {
-    const State now = stateOf(m_outputPath, Links::follow);
-    return now.exists && now != m_target;
+    struct stat found = {};
+    return ::stat(path.constData(), &found) == 0 ? stateOf(found) : State();
 }
 
-bool OutputGuard::removeIfTouched() const
+OutputGuard::State OutputGuard::targetNow() const
 {
-    const State target = stateOf(m_outputPath, Links::follow);
-    if (!wasTouched() || !S_ISREG(target.mode)) return true;
-    if (target.isSameFile(m_input) || target.isSameFile(stateOf(m_inputPath, Links::follow))) return true;
+    struct stat found = {};
+    const int error = ::fstatat(m_folder, m_name.constData(), &found, AT_SYMLINK_NOFOLLOW);
+    return error ? State() : stateOf(found);
+}
 
-    const State place = stateOf(m_outputPath, Links::stay);
-    const bool isLink = S_ISLNK(place.mode);
-    if (isLink && !place.isSameFile(m_place)) return true; // somebody else's doing
-    const std::unique_ptr<char, decltype(&std::free)> path(
-        isLink ? ::realpath(m_outputPath.constData(), nullptr) : ::strdup(m_outputPath.constData()),
-        &std::free);
-    return path && ::unlink(path.get()) == 0;
+OutputGuard::OutputGuard(const QString &outputPath, const QString &inputPath)
+    : m_inputPath(QFile::encodeName(inputPath)), m_input(stateOf(m_inputPath))
+{
+    const QByteArray path = withoutLinks(QFile::encodeName(outputPath));
+    const qsizetype slash = path.lastIndexOf('/');
+    m_folder = ::open(path.first(slash + 1).constData(), holdingOnly | O_DIRECTORY | O_CLOEXEC);
+    m_name = path.sliced(slash + 1);
+    m_before = targetNow();
+}
+
+OutputGuard::~OutputGuard()
+{
+    if (m_folder >= 0) ::close(m_folder);
+}
+
+void OutputGuard::look(qint64 process)
+{
+    if (!m_written) m_written = fileHeldBy(process);
+}
+
+std::optional<OutputGuard::File> OutputGuard::fileHeldBy(qint64 process) const
+{
+    const State target = targetNow();
+    if (!target.exists) return std::nullopt;
+    const QString number = QString::number(process);
+    std::error_code error; // it may end at any moment
+    std::filesystem::directory_iterator entry("/proc/" + std::to_string(process) + "/fd", error);
+    for (; !error && entry != std::filesystem::directory_iterator(); entry.increment(error)) {
+        const State held = stateOf(QByteArray::fromStdString(entry->path().string()));
+        if (held.isSameFile(target) && isOpenForWriting(number, entry->path().filename().string()))
+            return File(held.device, held.inode);
+    }
+    for (const QByteArray &child : childrenOf(number)) {
+        if (child.isEmpty()) continue;
+        if (const std::optional<File> held = fileHeldBy(child.toLongLong())) return held;
+    }
+    return std::nullopt;
+}
+
+OutputGuard::Target OutputGuard::target(bool jobEndedWell) const
+{
+    const State now = targetNow();
+    if (m_written)
+        return now.exists && File(now.device, now.inode) == *m_written ? Target::written : Target::replaced;
+    if (now != m_before) return now.exists ? Target::written : Target::untouched;
+    const bool timesProveNothing = now.exists && now.modified.tv_nsec == 0;
+    return jobEndedWell && timesProveNothing ? Target::written : Target::untouched;
+}
+
+bool OutputGuard::removeWhatWasWritten() const
+{
+    const State now = targetNow();
+    if (target(false) != Target::written || !S_ISREG(now.mode)) return true;
+    if (now.isSameFile(m_input) || now.isSameFile(stateOf(m_inputPath))) return true;
+    return ::unlinkat(m_folder, m_name.constData(), 0) == 0;
 }
 
 } // namespace tessaly

@@ -1,18 +1,26 @@
 #include "platform/child_process.h"
 
 #include "platform/busy_input.h"
+#include "platform/pipe.h"
 
 #include <QCoreApplication>
 #include <QDeadlineTimer>
 #include <QEventLoop>
 #include <QFileInfo>
 #include <QProcess>
+#include <QSocketNotifier>
 #include <QThread>
 #include <QTimer>
+
 #include <algorithm>
-#include <atomic>
+#include <csignal>
 #include <mutex>
 #include <optional>
+
+#ifdef Q_OS_LINUX
+#include <sys/prctl.h>
+#endif
+#include <unistd.h>
 
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
@@ -23,8 +31,8 @@ namespace {
 
 using End = ProcessOutcome::End;
 
-// How long a wait may take to notice endAllRuns().
-constexpr std::chrono::milliseconds noticing = 100ms;
+// How long a wait may take to see that a stop was requested or a limit is over.
+constexpr std::chrono::milliseconds checkInterval = 50ms;
 
 std::atomic_bool ending = false;
 
@@ -41,121 +49,242 @@ bool eventLoopIsRunning()
     return application && application->thread() == current && current->loopLevel() > 0;
 }
 
+// In the child, between fork and exec: only what is safe in a signal handler.
+void prepareChild(pid_t parent, int channel, int pipeEnd)
+{
+    ::setpgid(0, 0);
+#ifdef Q_OS_LINUX
+    ::prctl(PR_SET_PDEATHSIG, SIGKILL);
+#endif
+    if (::getppid() != parent) ::_exit(1); // it died before it could be watched
+    if (pipeEnd >= 0) ::dup2(pipeEnd, channel);
+    std::signal(SIGPIPE, SIG_DFL);
+    sigset_t none;
+    ::sigemptyset(&none);
+    ::sigprocmask(SIG_SETMASK, &none, nullptr);
+}
+
+QString startFailure(const QString &program, const QString &systemText)
+{
+    const QFileInfo file(program);
+    if (program.isEmpty()) return u"A program is missing."_s;
+    if (!file.exists()) return u"The program \"%1\" is missing."_s.arg(program);
+    if (file.isDir()) return u"\"%1\" is a folder, not a program."_s.arg(program);
+    if (!file.isExecutable()) return u"The program \"%1\" is not marked as executable."_s.arg(program);
+    const QString detail = systemText.section(": "_L1, -1);
+    return u"The program \"%1\" cannot be run on this computer (%2)."_s.arg(program, detail);
+}
+
+} // namespace
+
 // One child from its start to its end.
-class Run
+class ChildProcess::Run
 {
 public:
-    Run(const QString &program, const QStringList &arguments, ProcessLimits limits,
-        QProcess::ProcessChannelMode channels)
-        : m_program(program), m_limits(limits)
+    Run(ChildProcess &owner, Reading reading, const ChunkHandler &onChunk, ProcessLimits limits)
+        : m_owner(owner), m_reading(reading), m_onChunk(onChunk), m_limits(limits)
     {
-        m_process.setProgram(m_program.isEmpty() ? m_program : QFileInfo(m_program).absoluteFilePath());
-        m_process.setArguments(arguments);
-        m_process.setStandardInputFile(QProcess::nullDevice());
-        m_process.setProcessChannelMode(channels);
-        QObject::connect(&m_process, &QProcess::readyReadStandardOutput, &m_process,
-                         [this] { readOutput(); });
+        if (reading != Reading::nothing) m_pipe.emplace();
+    }
+    ~Run() { m_owner.m_processId = 0; }
+    Run(const Run &) = delete;
+    Run &operator=(const Run &) = delete;
+
+    ProcessOutcome toTheEnd(const QString &program, const QStringList &arguments)
+    {
+        start(program.isEmpty() ? program : QFileInfo(program).absoluteFilePath(), arguments);
+        if (eventLoopIsRunning()) waitInEventLoop();
+        waitPlainly();
+        readWhatTheChildLeft();
+        return outcome();
+    }
+
+private:
+    void start(const QString &program, const QStringList &arguments)
+    {
+        const int channel = m_reading == Reading::standardError ? STDERR_FILENO : STDOUT_FILENO;
+        const int pipeEnd = m_pipe ? m_pipe->writingEnd() : -1;
         QObject::connect(&m_process, &QProcess::errorOccurred, &m_process,
                          [this](QProcess::ProcessError error) {
                              if (error == QProcess::FailedToStart) m_startFailed = true;
                          });
-    }
-
-    CapturedRun toTheEnd()
-    {
-        if (runsAreEnding()) return {{End::stopped, 0, {}}, {}};
-        endWithTheApplication();
+        m_process.setProgram(program);
+        m_process.setArguments(arguments);
+        m_process.setStandardInputFile(QProcess::nullDevice());
+        m_process.setProcessChannelMode(QProcess::ForwardedChannels);
+        m_process.setChildProcessModifier(
+            [parent = ::getpid(), channel, pipeEnd] { prepareChild(parent, channel, pipeEnd); });
         if (m_limits.time > 0ms) m_deadline.setRemainingTime(m_limits.time);
         m_process.start();
-        if (eventLoopIsRunning()) waitInEventLoop();
-        waitPlainly();
-        return {outcome(), m_output};
+        m_owner.m_processId = m_process.processId();
+        if (m_pipe) m_pipe->closeWritingEnd();
     }
 
-private:
-    bool isOver() const { return m_process.state() == QProcess::NotRunning; }
+    bool hasExited() const { return m_process.state() == QProcess::NotRunning; }
+
+    bool isOver() const
+    {
+        const bool outputIsWhole =
+            m_reading != Reading::standardOutput || m_pipe->isAtEnd() || m_readingIsCut;
+        return hasExited() && (outputIsWhole || m_startFailed);
+    }
 
     void waitInEventLoop()
     {
         const BusyInput busy;
         QEventLoop loop;
-        QObject::connect(&m_process, &QProcess::stateChanged, &loop, [this, &loop] {
+        const auto quitWhenOver = [this, &loop] {
             if (isOver()) loop.quit();
-        });
+        };
+        QObject::connect(&m_process, &QProcess::stateChanged, &loop, quitWhenOver);
+        std::optional<QSocketNotifier> arrival;
+        if (m_pipe && !m_pipe->isAtEnd()) {
+            arrival.emplace(m_pipe->readingEnd(), QSocketNotifier::Read);
+            QObject::connect(&*arrival, &QSocketNotifier::activated, &loop, [&] {
+                read();
+                arrival->setEnabled(!m_pipe->isAtEnd());
+                quitWhenOver();
+            });
+        }
         QTimer check;
-        QObject::connect(&check, &QTimer::timeout, &loop, [this, &check] {
+        QObject::connect(&check, &QTimer::timeout, &loop, [&] {
             stopWhenDue();
+            quitWhenOver();
             check.start(untilNextCheck());
         });
         check.start(untilNextCheck());
         if (!isOver()) loop.exec();
-        if (isOver()) return;
-        // Somebody else ended the loop: the application is quitting.
-        endAllRuns();
-        stop(End::stopped);
+        if (!isOver()) endAllRuns(); // somebody else ended the loop: the application is quitting
     }
 
     void waitPlainly()
     {
-        while (!isOver() && !m_process.waitForFinished(static_cast<int>(untilNextCheck().count())))
+        while (!isOver()) {
             stopWhenDue();
+            const int interval = static_cast<int>(untilNextCheck().count());
+            if (!m_pipe || m_pipe->isAtEnd()) {
+                m_process.waitForFinished(interval);
+                continue;
+            }
+            if (m_pipe->waitForArrival(interval)) read();
+            if (!hasExited()) m_process.waitForFinished(0);
+        }
     }
 
     std::chrono::milliseconds untilNextCheck() const
     {
-        if (m_stopReason || m_deadline.isForever()) return noticing;
-        return std::min(noticing, std::chrono::milliseconds(m_deadline.remainingTime()));
+        if (m_end || m_deadline.isForever()) return checkInterval;
+        return std::min(checkInterval, std::chrono::milliseconds(m_deadline.remainingTime()));
     }
 
     void stopWhenDue()
     {
-        if (runsAreEnding()) stop(End::stopped);
-        if (m_deadline.hasExpired()) stop(End::timedOut);
+        if (runsAreEnding() || QCoreApplication::closingDown()) m_owner.requestStop(m_limits.whenProgramEnds);
+        if (m_owner.stopIsRequested()) stopAsRequested();
+        if (m_deadline.hasExpired()) killFor(End::timedOut);
     }
 
-    void stop(End reason)
+    void stopAsRequested()
     {
-        if (m_stopReason || isOver()) return;
-        m_stopReason = reason;
-        m_process.kill();
+        const bool isDue = std::chrono::steady_clock::now().time_since_epoch().count() >= m_owner.m_killAt;
+        if (isDue) {
+            killFor(End::stopped);
+        } else if (!m_end && m_process.state() == QProcess::Running) {
+            // Not earlier: until the program runs, the child still has this program's handlers.
+            m_end = End::stopped;
+            signalGroup(SIGTERM);
+        }
     }
 
-    void readOutput()
+    void killFor(End end)
     {
-        m_output += m_process.readAllStandardOutput();
-        if (m_limits.outputBytes <= 0 || m_output.size() <= m_limits.outputBytes) return;
-        m_output.truncate(m_limits.outputBytes);
-        stop(End::tooMuchOutput);
+        m_readingIsCut = true;
+        if (hasExited()) return;
+        if (!m_end) m_end = end;
+        signalGroup(SIGKILL);
+    }
+
+    void signalGroup(int signal) const
+    {
+        const auto child = static_cast<pid_t>(m_process.processId());
+        if (child > 0 && ::kill(-child, signal) != 0) ::kill(child, signal); // not a group yet
+    }
+
+    void read()
+    {
+        QByteArray chunk = m_pipe->readChunk();
+        m_received += chunk.size();
+        const qint64 excess = m_limits.outputBytes > 0 ? m_received - m_limits.outputBytes : 0;
+        if (excess > 0) {
+            chunk.chop(std::min(excess, qint64(chunk.size())));
+            killFor(End::tooMuchOutput);
+        }
+        if (!chunk.isEmpty() && m_onChunk) m_onChunk(chunk);
+    }
+
+    // Others may go on writing: what is there now is all that can be the child's.
+    void readWhatTheChildLeft()
+    {
+        if (m_reading != Reading::standardError) return;
+        for (qint64 left = m_pipe->available(); left > 0 && !m_pipe->isAtEnd();) {
+            const qint64 before = m_received;
+            read();
+            left -= m_received - before;
+        }
     }
 
     ProcessOutcome outcome() const
     {
         if (m_startFailed)
-            return {End::failedToStart, 0, startFailureReason(m_program, m_process.errorString())};
-        if (m_stopReason) return {*m_stopReason, 0, {}};
+            return {End::failedToStart, 0, startFailure(m_process.program(), m_process.errorString())};
         const bool exited = m_process.exitStatus() == QProcess::NormalExit;
-        return {exited ? End::exited : End::signalled, m_process.exitCode(), {}};
+        const End byItself = exited ? End::exited : End::signalled;
+        const End end = m_owner.stopIsRequested() ? End::stopped : byItself;
+        return {m_end.value_or(end), m_process.exitCode(), {}};
     }
 
-    QString m_program;
+    ChildProcess &m_owner;
+    Reading m_reading;
+    const ChunkHandler &m_onChunk;
     ProcessLimits m_limits;
+    std::optional<Pipe> m_pipe;
     QDeadlineTimer m_deadline{QDeadlineTimer::Forever};
-    QByteArray m_output;
-    std::optional<End> m_stopReason;
+    qint64 m_received = 0;
+    std::optional<End> m_end; // when it was our doing
+    bool m_readingIsCut = false;
     bool m_startFailed = false;
     QProcess m_process; // last: its end may still report to the members above
 };
 
-} // namespace
+ProcessOutcome ChildProcess::run(const QString &program, const QStringList &arguments, Reading reading,
+                                 const ChunkHandler &onChunk, ProcessLimits limits)
+{
+    if (runsAreEnding()) requestStop(limits.whenProgramEnds);
+    if (stopIsRequested()) return {End::stopped, 0, {}};
+    endWithTheApplication();
+    return Run(*this, reading, onChunk, limits).toTheEnd(program, arguments);
+}
+
+void ChildProcess::requestStop(std::chrono::milliseconds limit)
+{
+    const Time killAt = (std::chrono::steady_clock::now() + limit).time_since_epoch().count();
+    Time earlier = m_killAt;
+    while (killAt < earlier && !m_killAt.compare_exchange_weak(earlier, killAt)) {
+    }
+}
 
 CapturedRun runCapturingOutput(const QString &program, const QStringList &arguments, ProcessLimits limits)
 {
-    return Run(program, arguments, limits, QProcess::ForwardedErrorChannel).toTheEnd();
+    CapturedRun captured;
+    captured.outcome = ChildProcess().run(
+        program, arguments, Reading::standardOutput,
+        [&captured](const QByteArray &chunk) { captured.output += chunk; }, limits);
+    return captured;
 }
 
 ProcessOutcome runToEnd(const QString &program, const QStringList &arguments, ProcessLimits limits)
 {
-    return Run(program, arguments, limits, QProcess::ForwardedChannels).toTheEnd().outcome;
+    return ChildProcess().run(program, arguments, Reading::nothing, {}, limits);
 }
 
 void endAllRuns()
@@ -171,18 +300,6 @@ bool runsAreEnding()
 void letRunsStart()
 {
     ending = false;
-}
-
-QString startFailureReason(const QString &program, const QString &systemText)
-{
-    const QFileInfo file(program);
-    if (program.isEmpty() || !file.exists())
-        return program.isEmpty() ? u"A program is missing."_s
-                                 : u"The program \"%1\" is missing."_s.arg(program);
-    if (file.isDir()) return u"\"%1\" is a folder, not a program."_s.arg(program);
-    if (!file.isExecutable()) return u"The program \"%1\" is not marked as executable."_s.arg(program);
-    const QString detail = systemText.section(": "_L1, -1);
-    return u"The program \"%1\" cannot be run on this computer (%2)."_s.arg(program, detail);
 }
 
 } // namespace tessaly

@@ -12,7 +12,7 @@ namespace tessaly {
 
 namespace {
 
-constexpr std::array watchedSignals{SIGTERM, SIGINT, SIGHUP};
+constexpr std::array watchedSignals{SIGTERM, SIGINT, SIGHUP, SIGQUIT};
 constexpr char signalArrived = 's';
 constexpr char watchEnds = 'e';
 
@@ -72,6 +72,11 @@ TerminationWatch::~TerminationWatch()
 bool TerminationWatch::wasAsked()
 {
     return asked;
+}
+
+void outliveReaders()
+{
+    std::signal(SIGPIPE, SIG_IGN);
 }
 
 } // namespace tessaly

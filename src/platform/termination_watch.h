@@ -6,10 +6,10 @@
 
 namespace tessaly {
 
-// While one lives, SIGTERM, SIGINT and SIGHUP do not end the program but call the handler, each time, on a
-// thread of the watch. One that was ignored before (the hang-up under nohup, the interrupt in the background
-// of a script) stays ignored. At most one watch at a time; where the system is out of descriptors it hears
-// nothing. A child that is started meanwhile has the usual treatment of signals.
+// While one lives, SIGTERM, SIGINT, SIGHUP and SIGQUIT do not end the program but call the handler, each
+// time, on a thread of the watch. One that was ignored before (the hang-up under nohup, the interrupt in the
+// background of a script) stays ignored. At most one watch at a time; where the system is out of descriptors
+// it hears nothing. A child that is started meanwhile has the usual treatment of signals.
 class TerminationWatch
 {
 public:
@@ -24,5 +24,9 @@ public:
 private:
     std::thread m_thread;
 };
+
+// From now on a reader of this program's output that goes away does not end the program: writing fails
+// instead. Children have the usual treatment.
+void outliveReaders();
 
 } // namespace tessaly

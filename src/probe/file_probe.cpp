@@ -38,7 +38,7 @@ std::optional<QString> failureOf(const ProcessOutcome &outcome, std::chrono::mil
 {
     switch (outcome.end) {
     case ProcessOutcome::End::failedToStart:
-        return outcome.reason;
+        return outcome.failure;
     case ProcessOutcome::End::timedOut:
         return u"The prober did not end within %1 seconds."_s.arg(
             generalText(std::chrono::duration<double>(timeLimit).count()));

@@ -17,4 +17,10 @@ std::optional<Refusal> refusalOf(const FileProbe &probe, const QString &path)
     return std::nullopt;
 }
 
+QString refusalDetails(const FileProbe &probe)
+{
+    if (probe.proberFailure) return *probe.proberFailure;
+    return QString::fromStdString(probe.jsonDictionary["error"]["string"].stringValue());
+}
+
 } // namespace tessaly

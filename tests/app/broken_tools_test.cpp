@@ -129,8 +129,8 @@ private Q_SLOTS:
     {
         const QString pipe = app->folder.filePath(u"pipe.mp4"_s);
         QCOMPARE(::mkfifo(QFile::encodeName(pipe).constData(), 0600), 0);
-        QCOMPARE(app->delegate.proberPatience, 30s);
-        app->delegate.proberPatience = 600ms;
+        QCOMPARE(app->delegate.probeLimit, 30s);
+        app->delegate.probeLimit = 600ms;
         app->useRealProber();
         const Pulse pulse;
         QElapsedTimer clock;
@@ -157,7 +157,7 @@ private Q_SLOTS:
     void aProberThatPrintsNoReport()
     {
         QFETCH(QList<QStringList>, steps);
-        app->delegate.proberPatience = steps.first() == QStringList(u"hang"_s) ? 300ms : 30s;
+        app->delegate.probeLimit = steps.first() == QStringList(u"hang"_s) ? 300ms : 30s;
         app->tools.setSteps(sniffer, steps);
         const Pulse pulse;
         openInLoop(app->makeFile(u"clip.mp4"_s));
@@ -211,16 +211,15 @@ private Q_SLOTS:
         QVERIFY(app->delegate.saveBTN->isEnabled());
         QCOMPARE(app->alertText(), atTheOpen ? QString()
                                              : u"Video could not be resized.\n"
-                                               "The converter \"creator\" is missing."_s);
+                                               "ffmpeg is missing."_s);
     }
 
     void aConverterThatEndsWellWithoutAVideo_data()
     {
         QTest::addColumn<QList<QStringList>>("steps");
-        QTest::addColumn<QString>("reason");
+        QTest::addColumn<QString>("sentence");
         const auto sound = QStringLiteral(TESSALY_MEDIA_FOLDER "/sound.m4a");
-        QTest::newRow("no file") << QList<QStringList>{}
-                                 << u"The converter ended without writing the new video."_s;
+        QTest::newRow("no file") << QList<QStringList>{} << u"ffmpeg ended without writing the new video."_s;
         QTest::newRow("an empty file")
             << QList<QStringList>{{u"write-output"_s, QString()}} << u"The new file holds no video."_s;
         QTest::newRow("sound only") << QList<QStringList>{{u"copy-to-output"_s, sound}}
@@ -229,14 +228,14 @@ private Q_SLOTS:
     void aConverterThatEndsWellWithoutAVideo()
     {
         QFETCH(QList<QStringList>, steps);
-        QFETCH(QString, reason);
+        QFETCH(QString, sentence);
         open();
         app->useRealProber();
         app->tools.setSteps(creator, steps);
         app->saveTo(output());
         QTRY_VERIFY(app->alert());
         seen(app->told() + (QFile::exists(output()) ? u"; output there"_s : u"; output gone"_s));
-        QCOMPARE(app->alertText(), u"Video could not be resized.\n"_s + reason);
+        QCOMPARE(app->alertText(), u"Video could not be resized.\n"_s + sentence);
         QVERIFY(!QFile::exists(output()));
     }
 

@@ -5,6 +5,7 @@
 #include "ui/private_bus.h"
 
 #include <QApplication>
+#include <QDBusMessage>
 #include <QDBusUnixFileDescriptor>
 
 #include <array>

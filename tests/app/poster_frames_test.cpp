@@ -76,8 +76,8 @@ private Q_SLOTS:
 
     void aFrameThatTakesTooLongIsMissing()
     {
-        QCOMPARE(app->delegate.stillPatience, 30s);
-        app->delegate.stillPatience = 100ms;
+        QCOMPARE(app->delegate.stillLimit, 30s);
+        app->delegate.stillLimit = 100ms;
         const QString half = halfOfAStill();
         app->tools.setSteps(u"creator"_s, {{u"copy-to-output"_s, half}, {u"hang"_s}});
         app->openSize(640, 360);

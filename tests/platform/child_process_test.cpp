@@ -55,7 +55,7 @@ private Q_SLOTS:
             QCOMPARE(outcome.end, end);
             QCOMPARE(outcome.code, code);
             QCOMPARE(outcome.succeeded(), end == End::exited && code == 0);
-            QVERIFY(outcome.reason.isEmpty());
+            QVERIFY(outcome.failure.isEmpty());
         }
     }
 
@@ -63,7 +63,7 @@ private Q_SLOTS:
     {
         QTest::addColumn<Waiting>("waiting");
         QTest::addColumn<QString>("kind");
-        QTest::addColumn<QString>("reason");
+        QTest::addColumn<QString>("failure");
         addRows("missing", u"missing"_s, u"The program \"%1\" is missing."_s);
         addRows("a broken link", u"broken link"_s, u"The program \"%1\" is missing."_s);
         addRows("a folder", u"folder"_s, u"\"%1\" is a folder, not a program."_s);
@@ -81,7 +81,7 @@ private Q_SLOTS:
     {
         QFETCH(Waiting, waiting);
         QFETCH(QString, kind);
-        QFETCH(QString, reason);
+        QFETCH(QString, failure);
         FakeTools tools;
         if (kind == "missing"_L1) tools.remove(tool);
         if (kind == "broken link"_L1) tools.replaceByBrokenLink(tool);
@@ -100,7 +100,7 @@ private Q_SLOTS:
         inWaitingMode(waiting, [&] { inherited = runToEnd(program, {}); });
         for (const ProcessOutcome &outcome : {captured, inherited}) {
             QCOMPARE(outcome.end, End::failedToStart);
-            QCOMPARE(outcome.reason, reason.contains("%1"_L1) ? reason.arg(program) : reason);
+            QCOMPARE(outcome.failure, failure.contains("%1"_L1) ? failure.arg(program) : failure);
             QVERIFY(!outcome.succeeded());
         }
     }
@@ -141,8 +141,8 @@ private Q_SLOTS:
                                     u"line\nbreak"_s, u"%d"_s,  u"Fünf 🎬.mp4"_s, u"-leading"_s,
                                     u"; exit 1"_s,    u"<b>&"_s};
         FakeTools tools;
-        runCapturingOutput(tools.path(tool), arguments);
-        runToEnd(tools.path(tool), {});
+        QVERIFY(runCapturingOutput(tools.path(tool), arguments).outcome.succeeded());
+        QVERIFY(runToEnd(tools.path(tool), {}).succeeded());
         QCOMPARE(tools.calls(tool), (QList<QStringList>{arguments, {}}));
     }
 

@@ -1,0 +1,36 @@
+#include "app/job_follower.h"
+
+#include <QCoreApplication>
+
+namespace tessaly {
+
+using namespace Qt::StringLiterals;
+
+JobFollower::JobFollower(ProgressBar &bar, QLabel &detail)
+    : m_bar(bar), m_detail(detail), m_sleepInhibitor(u"A video is being resized"_s)
+{
+    m_launcherProgress.show(0);
+    m_time.start();
+}
+
+JobFollower::~JobFollower()
+{
+    m_detail.clear();
+}
+
+void JobFollower::tellCancelling()
+{
+    m_isCancelled = true;
+    m_detail.setText(QCoreApplication::translate("JobFollower", "Cancelling..."));
+}
+
+void JobFollower::showProgress(double percent)
+{
+    m_bar.setDoubleValue(percent);
+    m_launcherProgress.show(percent);
+    if (m_isCancelled) return;
+    m_remainingTime.addReading(percent, std::chrono::milliseconds(m_time.elapsed()));
+    m_detail.setText(m_remainingTime.text());
+}
+
+} // namespace tessaly

@@ -1,0 +1,59 @@
+#include "cli/output_path.h"
+
+#include "jobs/output_name.h"
+#include "platform/paths.h"
+
+#include <QFileInfo>
+
+#include <algorithm>
+#include <array>
+
+namespace tessaly {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+// Extensions by which people name videos, sound and pictures of other kinds.
+constexpr std::array otherContainers{
+    "3g2"_L1,  "3gp"_L1, "aac"_L1,  "asf"_L1,  "avi"_L1, "divx"_L1, "dv"_L1,  "f4v"_L1,  "flac"_L1, "flv"_L1,
+    "gif"_L1,  "ivf"_L1, "jpeg"_L1, "jpg"_L1,  "m2t"_L1, "m2ts"_L1, "m2v"_L1, "m4a"_L1,  "m4v"_L1,  "mka"_L1,
+    "mkv"_L1,  "mov"_L1, "mp3"_L1,  "mpeg"_L1, "mpg"_L1, "mts"_L1,  "mxf"_L1, "oga"_L1,  "ogg"_L1,  "ogv"_L1,
+    "opus"_L1, "png"_L1, "qt"_L1,   "rm"_L1,   "ts"_L1,  "vob"_L1,  "wav"_L1, "webm"_L1, "webp"_L1, "wmv"_L1};
+
+bool namesAnotherContainer(const QString &extension)
+{
+    return std::find(otherContainers.begin(), otherContainers.end(), extension) != otherContainers.end();
+}
+
+} // namespace
+
+std::optional<QString> nameRefusal(const NamedFile &output)
+{
+    if (output.shown == "-"_L1)
+        return u"The new video cannot be written to standard output: name a file, such as small.mp4."_s;
+    const QFileInfo there(*output.path);
+    if (output.path->endsWith(u'/') || there.isDir())
+        return output.shown + u" is a folder: name a file in it, such as "_s +
+               (output.shown.endsWith(u'/') ? output.shown : output.shown + u'/') + u"small.mp4."_s;
+    if (there.exists() && !there.isFile())
+        return output.shown + u" is a device or a pipe: name a file, such as small.mp4."_s;
+    const QString extension = pathExtension(*output.path);
+    if (namesAnotherContainer(extension.toLower()))
+        return u"The new video is an MP4 file: name it "_s + output.shown.chopped(extension.size()) +
+               u"mp4."_s;
+    return std::nullopt;
+}
+
+std::optional<QString> targetRefusal(const QString &input, const QString &output, bool mayReplace)
+{
+    if (input == output || isSameFile(input, output))
+        return u"The output is the input itself: please name a different file."_s;
+    const QFileInfo there(output);
+    if (there.isDir()) return output + u" is a folder."_s;
+    if ((there.exists() || there.isSymLink()) && !mayReplace)
+        return output + u" exists already; --force replaces it."_s;
+    return std::nullopt;
+}
+
+} // namespace tessaly

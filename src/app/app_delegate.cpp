@@ -84,7 +84,8 @@ void AppDelegate::showAlert(const QString &message, const QString &information)
 bool AppDelegate::isBusy() const
 {
     const bool jobIsUnderWay = globalProcess && globalProcess->isUnderWay();
-    return m_panelIsUp || jobIsUnderWay || BusyInput::isBusy() || progressWindow->isVisible();
+    return m_panelIsUp || jobIsUnderWay || m_attention->isAwaited() || BusyInput::isBusy() ||
+           progressWindow->isVisible();
 }
 
 } // namespace tessaly

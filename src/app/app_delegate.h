@@ -6,6 +6,7 @@
 #include "platform/notification_center.h"
 #include "probe/file_probe.h"
 #include "probe/refusal.h"
+#include "ui/attention.h"
 #include "ui/image_drop_view.h"
 #include "ui/main_window.h"
 #include "ui/number_field.h"
@@ -24,6 +25,8 @@
 
 namespace tessaly {
 
+struct Alert;
+struct DesktopNote;
 class JobFollower;
 
 // Shown by the help alert and by refusals.
@@ -41,8 +44,9 @@ public:
     ~AppDelegate() override;
 
     // Connects the outlets and the actions to the form's controls. An outlet whose control the form lacks
-    // stays unconnected; using it is a fatal error that names it.
-    void connectTo(MainWindow *form);
+    // stays unconnected; using it is a fatal error that names it. Alerts at the end of a job wait for a person
+    // who looks elsewhere, if that can be told.
+    void connectTo(MainWindow *form, bool attentionCanBeTold = desktopTellsWhoIsInFront());
 
     Outlet<MainWindow> window{"window"};
     Outlet<QAction> saveBTN{"saveBTN"};
@@ -154,12 +158,14 @@ private:
     void showDone(const JobDone &done);
     void showRemarks(const std::vector<Remark> &remarks);
     void showFailure(const JobFailed &failure);
-    void notifyWhenUnseen(const QString &title, const QString &text) const;
+    void reveal(const QString &path);
+    void tellTheEnd(const Alert &alert, const DesktopNote &note, std::function<void(int response)> answer);
 
     bool m_panelIsUp = false;
     QString m_lastVideoFolder;                  // where the open panel starts
     std::unique_ptr<JobFollower> m_jobFollower; // while the sheet of a job is up
-    bool m_endIsUnseen = false;                 // none of our windows was in front when the job ended
+    std::unique_ptr<Attention> m_attention;     // a person's, to the window
+    bool m_endIsSeen = true;                    // it was there when the job ended
 };
 
 } // namespace tessaly

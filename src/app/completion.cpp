@@ -7,15 +7,13 @@
 #include "ui/desktop_notification.h"
 #include "ui/desktop_services.h"
 
-#include <QApplication>
-
 namespace tessaly {
 
 using namespace Qt::StringLiterals;
 
 void AppDelegate::finishResize(const QString &outputPath)
 {
-    m_endIsUnseen = QApplication::activeWindow() == nullptr; // before our own sheets change that
+    m_endIsSeen = m_attention->isThere(); // before our own sheets change that
     endResizingSheet();
     const FileProbe outputProbe(outputPath, probeLimit);
     if (runsAreEnding()) return; // the end of the program clears away what the job left
@@ -53,11 +51,15 @@ void AppDelegate::showDone(const JobDone &done)
     alert.addButtonWithTitle(u"OK"_s);
     alert.addButtonWithTitle(u"Show in Finder"_s);
     alert.addButtonWithTitle(u"Launch Video in QuickTime"_s);
-    alert.beginSheet(window.get(), [this, done](int response) {
+    const QString path = *outputProbe.fileFullPath;
+    const DesktopNote note{
+        .title = alert.messageText,
+        .text = lastPathComponent(path),
+        .actions = {{tr("Show in Folder"), [this, path](const QString &) { reveal(path); }}}};
+    tellTheEnd(alert, note, [this, done](int response) {
         handleCompletionButton(response, done.output);
         showRemarks(done.remarks);
     });
-    notifyWhenUnseen(alert.messageText, lastPathComponent(*outputProbe.fileFullPath));
 }
 
 // What is serious is not left to the status line.
@@ -70,26 +72,39 @@ void AppDelegate::showRemarks(const std::vector<Remark> &remarks)
     if (!serious.isEmpty()) showAlert(tr("The new video may not be what you expect."), serious.join(u'\n'));
 }
 
-void AppDelegate::notifyWhenUnseen(const QString &title, const QString &text) const
-{
-    if (m_endIsUnseen) notifyOnDesktop(title, text);
-}
-
-void AppDelegate::handleCompletionButton(int response, const FileProbe &outputProbe)
-{
-    const auto onFailure = [this](const QString &sentence) { showAlert(sentence, {}); };
-    if (response == firstAlertResponse + 1) revealInFileManager(*outputProbe.fileFullPath, onFailure);
-    if (response == firstAlertResponse + 2) playInVideoPlayer(*outputProbe.fileFullPath, onFailure);
-}
-
 void AppDelegate::showFailure(const JobFailed &failure)
 {
     Alert alert{.messageText = resizeFailedMessage(),
                 .informativeText = failure.sentence,
                 .detailsText = failure.details};
     alert.addButtonWithTitle(u"OK"_s);
-    alert.beginSheet(window.get());
-    notifyWhenUnseen(alert.messageText, failure.sentence);
+    tellTheEnd(alert, {.title = alert.messageText, .text = failure.sentence}, {});
+}
+
+// Someone who is busy elsewhere is told by the desktop, and the alert waits: it would take the keyboard.
+void AppDelegate::tellTheEnd(const Alert &alert, const DesktopNote &note,
+                             std::function<void(int response)> answer)
+{
+    if (!m_endIsSeen) {
+        DesktopNote clickable = note;
+        clickable.whenClicked = [this](const QString &token) { m_attention->bringToFront(token); };
+        notifyOnDesktop(this, clickable);
+    }
+    m_attention->whenThere(
+        m_endIsSeen, [this, alert, answer = std::move(answer)] { alert.beginSheet(window.get(), answer); });
+}
+
+void AppDelegate::handleCompletionButton(int response, const FileProbe &outputProbe)
+{
+    if (response == firstAlertResponse + 1) reveal(*outputProbe.fileFullPath);
+    if (response == firstAlertResponse + 2)
+        playInVideoPlayer(*outputProbe.fileFullPath,
+                          [this](const QString &sentence) { showAlert(sentence, {}); });
+}
+
+void AppDelegate::reveal(const QString &path)
+{
+    revealInFileManager(path, [this](const QString &sentence) { showAlert(sentence, {}); });
 }
 
 } // namespace tessaly

@@ -4,10 +4,11 @@ namespace tessaly {
 
 using namespace Qt::StringLiterals;
 
-void AppDelegate::connectTo(MainWindow *form)
+void AppDelegate::connectTo(MainWindow *form, bool attentionCanBeTold)
 {
     connectOutlets(form);
     connectActions(form);
+    m_attention = std::make_unique<Attention>(form, attentionCanBeTold);
     posterView->setDropGuard([this] { return !isBusy(); });
 }
 

@@ -52,6 +52,7 @@ ProgressSheet::ProgressSheet(QWidget *parent)
       m_cancel(new QPushButton(this))
 {
     setObjectName("progressWindow"_L1);
+    setFocusPolicy(Qt::StrongFocus);
     m_bar->setObjectName("progressBar"_L1);
     m_bar->setAccessibleName(u"Progress"_s);
     m_bar->setMinimumWidth(qMax(leastWidth, widthInDigits * fontMetrics().horizontalAdvance(u'0')));
@@ -77,7 +78,8 @@ void ProgressSheet::beginSheet(QWidget *window)
     m_detail->setVisible(!m_cancel->isHidden());
     setWindowTitle(m_title->text());
     m_bar->setAccessibleName(m_title->text());
-    open(); // modal to its parent
+    setFocus(); // not Cancel: a Space that was meant for something else must not throw the work away
+    open();     // modal to its parent
 }
 
 void ProgressSheet::endSheet()

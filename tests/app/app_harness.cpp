@@ -17,11 +17,11 @@ namespace tessaly::test {
 
 using namespace Qt::StringLiterals;
 
-AppHarness::AppHarness()
+AppHarness::AppHarness(bool attentionCanBeTold)
 {
     QDir(folder.path()).mkdir(u"tmp"_s);
     setTemporaryRoot(folder.filePath(u"tmp"_s));
-    delegate.connectTo(&window);
+    delegate.connectTo(&window, attentionCanBeTold);
     delegate.applicationDidFinishLaunching(&window);
     window.show();
     window.activateWindow();

@@ -15,7 +15,7 @@ class AppHarness
 {
 public:
     // Launched, shown, and with both tools fake: the prober says nothing, the converter does nothing.
-    AppHarness();
+    explicit AppHarness(bool attentionCanBeTold = false);
     ~AppHarness();
 
     MainWindow window;

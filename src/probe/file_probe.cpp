@@ -11,14 +11,15 @@
 #include "probe/stream_facts.h"
 #include "probe/track_records.h"
 
+#include <QLocale>
+
+#include <utility>
+
 namespace tessaly {
 
 using namespace Qt::StringLiterals;
 
 namespace {
-
-// A report is some kilobytes a stream; a prober that floods is stopped before the memory is gone.
-constexpr qint64 reportSizeLimit = 64 * 1024 * 1024;
 
 QStringList proberArguments(const QString &path)
 {
@@ -33,6 +34,17 @@ QStringList proberArguments(const QString &path)
             path};
 }
 
+QString tooLongReport()
+{
+    return u"ffprobe reported more than %1 MiB about the file."_s.arg(reportSizeLimit / (1024 * 1024));
+}
+
+QString tooManyStreams()
+{
+    return u"ffprobe reported more than %1 streams."_s.arg(
+        QLocale(QLocale::English).toString(qulonglong{streamCountLimit}));
+}
+
 // The exit status of a prober that ended by itself is not looked at.
 std::optional<QString> failureOf(const ProcessOutcome &outcome, std::chrono::milliseconds timeLimit)
 {
@@ -40,12 +52,12 @@ std::optional<QString> failureOf(const ProcessOutcome &outcome, std::chrono::mil
     case ProcessOutcome::End::failedToStart:
         return outcome.failure;
     case ProcessOutcome::End::timedOut:
-        return u"The prober did not end within %1 seconds."_s.arg(
+        return u"ffprobe did not end within %1 seconds."_s.arg(
             generalText(std::chrono::duration<double>(timeLimit).count()));
     case ProcessOutcome::End::tooMuchOutput:
-        return u"The prober did not stop writing."_s;
+        return tooLongReport();
     case ProcessOutcome::End::stopped:
-        return u"The prober was stopped because the program is ending."_s;
+        return u"ffprobe was stopped because the program is ending."_s;
     case ProcessOutcome::End::exited:
     case ProcessOutcome::End::signalled:
         break;
@@ -58,8 +70,7 @@ std::optional<QString> failureOf(const ProcessOutcome &outcome, std::chrono::mil
 FileProbe::FileProbe(const QString &path, std::chrono::milliseconds timeLimit)
 {
     recordFile(path);
-    const QByteArray report = runProber(path, timeLimit);
-    if (!proberFailure) readReport(report);
+    if (const std::optional<QByteArray> report = runProber(path, timeLimit)) readReport(*report);
 }
 
 FileProbe FileProbe::fromReport(const QString &path, const QByteArray &report)
@@ -78,19 +89,26 @@ void FileProbe::recordFile(const QString &path)
     fileFullURL = fileURL(path);
 }
 
-QByteArray FileProbe::runProber(const QString &path, std::chrono::milliseconds timeLimit)
+void FileProbe::recordFailure(const QString &sentence)
+{
+    proberFailure = sentence;
+    print(sentence);
+}
+
+std::optional<QByteArray> FileProbe::runProber(const QString &path, std::chrono::milliseconds timeLimit)
 {
     const std::optional<QString> prober = pathForResource(u"sniffer"_s);
     if (!prober) {
-        proberFailure = u"The prober \"sniffer\" is missing among the resources of this program."_s;
-    } else {
-        const ProcessLimits limits{.time = timeLimit, .outputBytes = reportSizeLimit};
-        const CapturedRun run = runCapturingOutput(*prober, proberArguments(path), limits);
-        proberFailure = failureOf(run.outcome, timeLimit);
-        if (!proberFailure) return run.output;
+        recordFailure(u"ffprobe is missing among the resources of this program."_s);
+        return std::nullopt;
     }
-    print(*proberFailure);
-    return {};
+    const ProcessLimits limits{.time = timeLimit, .outputBytes = reportSizeLimit};
+    const CapturedRun run = runCapturingOutput(*prober, proberArguments(path), limits);
+    if (const std::optional<QString> failure = failureOf(run.outcome, timeLimit)) {
+        recordFailure(*failure);
+        return std::nullopt;
+    }
+    return run.output;
 }
 
 void FileProbe::readReport(const QByteArray &report)
@@ -106,13 +124,23 @@ void FileProbe::readReport(const QByteArray &report)
 
 bool FileProbe::parseReport(const QByteArray &report)
 {
+    if (report.size() > reportSizeLimit) {
+        recordFailure(tooLongReport());
+        return false;
+    }
+    JSON parsed;
     try {
-        jsonDictionary = JSON::fromBytes({report.constData(), static_cast<std::size_t>(report.size())});
+        parsed = JSON::fromBytes({report.constData(), static_cast<std::size_t>(report.size())});
     } catch (const ParseError &error) {
         print(QString::fromStdString(error.description()));
         return false;
     }
-    restoreRotateTags(jsonDictionary);
+    if (parsed["streams"].rawArray().size() > streamCountLimit) {
+        recordFailure(tooManyStreams());
+        return false;
+    }
+    restoreRotateTags(parsed);
+    jsonDictionary = std::move(parsed);
     return true;
 }
 

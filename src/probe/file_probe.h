@@ -13,9 +13,15 @@
 
 namespace tessaly {
 
-// A prober that has not ended after this time is killed (a pipe opened as a video would be waited for for
-// ever).
+// A prober that has not ended after this time is killed: it waits for ever for a pipe.
 inline constexpr std::chrono::milliseconds proberTimeLimit = std::chrono::seconds(30);
+
+// The longest report that is read, in bytes. A stream takes some kilobytes of it. What is parsed may take up
+// to 65 times as much memory as its text.
+inline constexpr qint64 reportSizeLimit = 16 * 1024 * 1024;
+
+// A report of more streams is not read further.
+inline constexpr std::size_t streamCountLimit = 10'000;
 
 // One probed file. Probing happens in the constructor, on the calling thread; the object is never refreshed
 // afterwards. Probing never fails: every problem ends in a record whose flags say so, and is printed.
@@ -59,13 +65,14 @@ public:
     std::optional<QString> fileFullPath; // exactly as given
     std::optional<QUrl> fileFullURL;     // absolute
 
-    // A sentence to show when the prober could not be started or had to be stopped, so that nothing is known
-    // about the file; absent when it ended by itself, whatever it said.
+    // A sentence to show when the prober could not be started or had to be stopped, or when its report is
+    // beyond the limits, so that nothing is known about the file; absent in all other cases.
     std::optional<QString> proberFailure;
 
 private:
     void recordFile(const QString &path);
-    QByteArray runProber(const QString &path, std::chrono::milliseconds timeLimit);
+    void recordFailure(const QString &sentence);
+    std::optional<QByteArray> runProber(const QString &path, std::chrono::milliseconds timeLimit);
     void readReport(const QByteArray &report);
     bool parseReport(const QByteArray &report);
     bool judgeValidity();

@@ -272,7 +272,7 @@ private Q_SLOTS:
         app->drop(app->makeFile(u"clip.mp4"_s));
         setPrintTarget(PrintTarget::standardOutput);
         QCOMPARE(app->alertText(), unsupportedAlert);
-        QVERIFY(app->find<QStatusBar>("statusBar")->currentMessage().contains("sniffer"_L1));
+        QVERIFY(app->find<QStatusBar>("statusBar")->currentMessage().contains("ffprobe is missing"_L1));
     }
 
     void namesAreShownLiterally_data()

@@ -270,8 +270,8 @@ void InfoProgramTest::proberThatIsMissing()
     QVERIFY(QFile::copy(builtProgram, program));
     const Result result = run({u"info"_s, u"--json"_s, u"plain.mp4"_s}, program);
     QCOMPARE(result.exitCode, 1);
-    QCOMPARE(result.errors, QByteArray("tessaly-cli: plain.mp4: The prober \"sniffer\" is missing among the "
-                                       "resources of this program.\n"));
+    QCOMPARE(result.errors,
+             QByteArray("tessaly-cli: plain.mp4: ffprobe is missing among the resources of this program.\n"));
     QVERIFY(line(result.output, 0)["isValidMediaFile"].bool_() == false);
     QVERIFY(line(result.output, 0)["fileSize"].intValue() > 0);
 }

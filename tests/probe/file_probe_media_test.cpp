@@ -211,9 +211,9 @@ void FileProbeMediaTest::aPipeThatNobodyWrites()
     FileProbe probe;
     const QByteArray printed = writtenTo(STDOUT_FILENO, [&] { probe = FileProbe(pipe, 400ms); });
     QVERIFY(!probe.isValidMediaFile);
-    QCOMPARE(probe.proberFailure, std::optional(u"The prober did not end within 0.4 seconds."_s));
+    QCOMPARE(probe.proberFailure, std::optional(u"ffprobe did not end within 0.4 seconds."_s));
     const QByteArray noSize = "Failed to get a size attribute from path: " + pipe.toUtf8() + '\n';
-    QCOMPARE(printed, noSize + noSize + "The prober did not end within 0.4 seconds.\n");
+    QCOMPARE(printed, noSize + noSize + "ffprobe did not end within 0.4 seconds.\n");
     QVERIFY(!probe.fileSize);
 }
 

@@ -19,6 +19,8 @@ private Q_SLOTS:
     void recordsTheFile();
     void recordsTheFileThoughTheProberFails();
     void printsWhyTheFileHasNoSize();
+    void limits_data();
+    void limits();
     void reportWithoutStreams_data();
     void reportWithoutStreams();
     void errorMember_data();
@@ -114,6 +116,39 @@ void FileProbeTest::printsWhyTheFileHasNoSize()
     QVERIFY(!m_probe.fileSize);
     QCOMPARE(m_probe.fileSizeHuman, std::optional(u"Unknown File Size"_s));
     QVERIFY(m_probe.isValidMediaFile); // the prober knows better
+}
+
+void FileProbeTest::limits_data()
+{
+    QTest::addColumn<QByteArray>("report");
+    QTest::addColumn<QString>("failure");
+    const auto streams = [](std::size_t count) {
+        return R"({"streams":[)" + QByteArray("{},").repeated(qsizetype(count) - 1) + "{}]}";
+    };
+    const auto padded = [](qsizetype size) {
+        const QByteArray report = R"({"streams":[{"codec_type":"audio"}]})";
+        return report + QByteArray(size - report.size(), ' ');
+    };
+    const QString tooMany = u"ffprobe reported more than 10,000 streams."_s;
+    const QString tooLong = u"ffprobe reported more than 16 MiB about the file."_s;
+    QTest::newRow("as many streams as may be") << streams(streamCountLimit) << QString();
+    QTest::newRow("a stream too many") << streams(streamCountLimit + 1) << tooMany;
+    QTest::newRow("a million streams") << streams(1'000'000) << tooMany;
+    QTest::newRow("as long as may be") << padded(reportSizeLimit) << QString();
+    QTest::newRow("a byte too long") << padded(reportSizeLimit + 1) << tooLong;
+}
+
+void FileProbeTest::limits()
+{
+    QFETCH(QByteArray, report);
+    QFETCH(QString, failure);
+    const QByteArray printed =
+        writtenTo(STDOUT_FILENO, [&] { m_probe = FileProbe::fromReport(m_film, report); });
+    QCOMPARE(m_probe.proberFailure.value_or(QString()), failure);
+    QCOMPARE(printed, failure.isEmpty() ? QByteArray() : failure.toUtf8() + '\n');
+    QCOMPARE(m_probe.isValidMediaFile, failure.isEmpty());
+    QCOMPARE(isUntouched(m_probe), !failure.isEmpty());
+    QCOMPARE(m_probe.fileSize, std::optional<quint64>(1'234'567));
 }
 
 void FileProbeTest::reportWithoutStreams_data()

@@ -111,7 +111,7 @@ void ProberRunTest::outputThatIsNoReport_data()
         "Unexpected end of file around line 1, column 13.", "13");
     row("null alone", {{u"print"_s, u"null"_s}}, startingWrong(0), "0");
     row("two reports", {{u"print"_s, u"{}{}"_s}}, "Garbage at end around line 1, column 2.", "2");
-    row("50 MB of rubbish", {{u"flood-stdout"_s, u"50000000"_s}}, startingWrong(0), "0");
+    row("10 MB of rubbish", {{u"flood-stdout"_s, u"10000000"_s}}, startingWrong(0), "0");
 }
 
 void ProberRunTest::outputThatIsNoReport()
@@ -154,7 +154,7 @@ void ProberRunTest::proberThatCannotRun_data()
     using Change = std::function<void(FakeTools &)>;
     QTest::addColumn<Change>("change");
     QTest::addColumn<QString>("reason"); // %1: the prober's path
-    const QString missing = u"The prober \"sniffer\" is missing among the resources of this program."_s;
+    const QString missing = u"ffprobe is missing among the resources of this program."_s;
     QTest::newRow("missing") << Change([](FakeTools &tools) { tools.remove(prober); }) << missing;
     QTest::newRow("a link that leads nowhere")
         << Change([](FakeTools &tools) { tools.replaceByBrokenLink(prober); }) << missing;
@@ -187,13 +187,13 @@ void ProberRunTest::proberThatHasToBeStopped_data()
     QTest::addColumn<Steps>("steps");
     QTest::addColumn<int>("milliseconds");
     QTest::addColumn<QString>("reason");
-    const QString late = u"The prober did not end within 0.25 seconds."_s;
+    const QString late = u"ffprobe did not end within 0.25 seconds."_s;
     QTest::newRow("never ends") << Steps{{u"hang"_s}} << 250 << late;
     QTest::newRow("ignores being terminated") << Steps{{u"ignore-terminate"_s}, {u"hang"_s}} << 250 << late;
     QTest::newRow("never ends behind a good report")
         << Steps{{u"print"_s, QString::fromUtf8(goodReport)}, {u"hang"_s}} << 250 << late;
-    QTest::newRow("never stops writing")
-        << Steps{{u"flood-stdout"_s, u"1000000000000"_s}} << 30000 << u"The prober did not stop writing."_s;
+    QTest::newRow("never stops writing") << Steps{{u"flood-stdout"_s, u"1000000000000"_s}} << 30000
+                                         << u"ffprobe reported more than 16 MiB about the file."_s;
 }
 
 void ProberRunTest::proberThatHasToBeStopped()
@@ -220,8 +220,7 @@ void ProberRunTest::proberOfAProgramThatIsEnding()
     probe(m_film);
     letRunsStart();
     QVERIFY(isUntouched(m_probe));
-    QCOMPARE(m_probe.proberFailure,
-             std::optional(u"The prober was stopped because the program is ending."_s));
+    QCOMPARE(m_probe.proberFailure, std::optional(u"ffprobe was stopped because the program is ending."_s));
     QVERIFY(tools.calls(prober).isEmpty());
 }
 

@@ -124,6 +124,7 @@ QByteArray infoJson(const FileProbe &facts)
     members.member("fileSizeHuman", facts.fileSizeHuman);
     members.member("fileFullPath", facts.fileFullPath);
     members.member("fileFullURL", facts.fileFullURL);
+    members.member("proberFailure", facts.proberFailure);
     sink.endDictionary();
     return QByteArray::fromStdString(sink.text());
 }

@@ -2,6 +2,7 @@
 
 #include "cli/terminal_text.h"
 #include "probe/file_facts.h"
+#include "probe/stream_facts.h"
 
 #include <algorithm>
 #include <array>
@@ -30,18 +31,15 @@ QString textOf(const Dictionary &track, const char *key)
     return textOf(JSON(track.at(key)));
 }
 
-bool hasTrackCalledVideo(const FileProbe &facts)
-{
-    return std::any_of(facts.tracksInfo.begin(), facts.tracksInfo.end(),
-                       [](const Dictionary &track) { return track.at("trackType") == Object("Video"); });
-}
-
 QString kind(const FileProbe &facts)
 {
     if (!facts.isValidMediaFile) return u"not a media file"_s;
     if (facts.isEncrypted) return u"encrypted, or of a kind that cannot be decoded"_s;
+    const std::vector<JSON> streams = facts.jsonDictionary["streams"].arrayValue();
+    const JSON *pictures = pictureStream(streams);
+    if (pictures && holdsOnePicture(*pictures)) return u"a still"_s;
     if (facts.hasVideoTrack) return u"video"_s;
-    if (hasTrackCalledVideo(facts)) return u"a still, or video without a frame rate"_s;
+    if (pictures) return u"video without a frame rate"_s;
     return facts.hasAudioTrack ? u"sound only"_s : u"neither video nor sound"_s;
 }
 

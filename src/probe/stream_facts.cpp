@@ -11,6 +11,20 @@ bool isVideo(const JSON &stream)
     return stream["codec_type"] == JSON("video");
 }
 
+bool isCover(const JSON &stream)
+{
+    return stream["disposition"]["attached_pic"].intValue() != 0;
+}
+
+// Pictures per second, from a text like "30000/1001"; not finite, or not above 0, when there is no rate.
+double frameRate(const JSON &stream)
+{
+    const std::string text = stream["avg_frame_rate"].stringValue();
+    const std::size_t bar = std::min(text.find('/'), text.size());
+    return JSON(text.substr(0, bar)).doubleValue() /
+           JSON(text.substr(std::min(bar + 1, text.size()))).doubleValue();
+}
+
 } // namespace
 
 bool isTurnedByAQuarter(const JSON &stream)
@@ -42,6 +56,25 @@ const JSON *mainVideoStream(const std::vector<JSON> &streams)
         return isVideo(stream) && !isStillPicture(stream);
     });
     return found == streams.end() ? nullptr : &*found;
+}
+
+const JSON *pictureStream(const std::vector<JSON> &streams)
+{
+    if (const JSON *video = mainVideoStream(streams)) return video;
+    const bool isCoverOfSound = hasAudio(streams);
+    const auto found = std::find_if(streams.begin(), streams.end(), [isCoverOfSound](const JSON &stream) {
+        return isVideo(stream) && !(isCoverOfSound && isCover(stream));
+    });
+    return found == streams.end() ? nullptr : &*found;
+}
+
+bool holdsOnePicture(const JSON &stream)
+{
+    if (isCover(stream)) return true;
+    const std::int64_t counted = stream["nb_frames"].intValue();
+    if (counted > 0) return counted == 1;
+    const double pictures = stream["duration"].doubleValue() * frameRate(stream);
+    return pictures > 0 && pictures < 1.5;
 }
 
 std::optional<MainVideo> mainVideo(const std::vector<JSON> &streams)

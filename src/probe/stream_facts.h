@@ -33,7 +33,14 @@ bool hasUnnamedVideoCodec(const std::vector<JSON> &streams);
 // The first stream of moving pictures, in the list itself; null when there is none.
 const JSON *mainVideoStream(const std::vector<JSON> &streams);
 
-// The facts of that stream; nothing when there is none.
+// That one, or else the first picture stream without a frame rate, unless it is the cover of sound.
+const JSON *pictureStream(const std::vector<JSON> &streams);
+
+// Whether a picture stream is known to hold a single one: by its count, by its length and frame rate, or as a
+// cover.
+bool holdsOnePicture(const JSON &stream);
+
+// The facts of the main video stream; nothing when there is none.
 std::optional<MainVideo> mainVideo(const std::vector<JSON> &streams);
 
 bool hasAudio(const std::vector<JSON> &streams);

@@ -16,7 +16,7 @@ const QByteArray untouched =
     R"("hasAudioTrackWhichHasMoreThanTwoChannels":false,"duration":0.0,"bitRate":0,)"
     R"("videoWidth":null,"videoHeight":null,"videoRatio":null,"tagRotateValue":0,)"
     R"("tracksInfo":[],"metadata":[],"fileSize":null,"fileSizeHuman":null,)"
-    R"("fileFullPath":null,"fileFullURL":null})";
+    R"("fileFullPath":null,"fileFullURL":null,"proberFailure":null})";
 
 } // namespace
 
@@ -76,7 +76,7 @@ void InfoJsonTest::everyFieldInItsOrder()
                    R"("trackDurationHuman":"00:00:02.50","trackLanguage":"eng"}],)"
                    R"("metadata":[{"key":"Title","value":"A \"Film\"\n"},{"key":"HD","value":"No"}],)"
                    R"("fileSize":242100,"fileSizeHuman":"242 KB","fileFullPath":"/v/é.mp4",)"
-                   R"("fileFullURL":"file:///v/%C3%A9.mp4"})"));
+                   R"("fileFullURL":"file:///v/%C3%A9.mp4","proberFailure":null})"));
 }
 
 void InfoJsonTest::oneMember_data()
@@ -105,6 +105,8 @@ void InfoJsonTest::oneMember_data()
         [](FileProbe &facts) { facts.tagRotateValue = std::numeric_limits<qint64>::min(); });
     row("control characters", R"("fileFullPath":null)", R"("fileFullPath":"/a\n\t\u001b\"\\")",
         [](FileProbe &facts) { facts.fileFullPath = u"/a\n\t\x1B\"\\"_s; });
+    row("why nothing is known", R"("proberFailure":null)", R"("proberFailure":"No \"ffprobe\".")",
+        [](FileProbe &facts) { facts.proberFailure = u"No \"ffprobe\"."_s; });
     row("half a surrogate pair", R"("fileFullPath":null)", R"("fileFullPath":"?")",
         [](FileProbe &facts) { facts.fileFullPath = QString(QChar(0xD800)); });
 }
@@ -125,7 +127,6 @@ void InfoJsonTest::theReportIsLeftOut()
 {
     FileProbe facts;
     facts.jsonDictionary = JSON::fromBytes(R"({"streams":[]})");
-    facts.proberFailure = u"No."_s;
     QCOMPARE(infoJson(facts), untouched);
 }
 

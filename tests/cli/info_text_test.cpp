@@ -56,6 +56,8 @@ private Q_SLOTS:
     void fileThatIsNoMedia();
     void oneLine_data();
     void oneLine();
+    void kind_data();
+    void kind();
     void lineThatIsLeftOut_data();
     void lineThatIsLeftOut();
     void nothingDrivesTheTerminal();
@@ -108,12 +110,6 @@ void InfoTextTest::oneLine_data()
         [](FileProbe &facts) { facts.hasVideoTrack = false, facts.hasAudioTrack = true; });
     row("neither", u"Kind          neither video nor sound"_s,
         [](FileProbe &facts) { facts.hasVideoTrack = false; });
-    row("a video track that passes for a still", u"Kind          a still, or video without a frame rate"_s,
-        [](FileProbe &facts) {
-            facts.hasVideoTrack = false, facts.hasAudioTrack = true;
-            facts.tracksInfo = {track("0", "Audio", "vorbis", "mono", ""),
-                                track("1", "Video", "theora", "320x240", "")};
-        });
     row("invalid", u"Kind          not a media file"_s,
         [](FileProbe &facts) { facts.isValidMediaFile = false; });
     row("valid, with an error", u"Kind          video (Torn)"_s,
@@ -148,6 +144,66 @@ void InfoTextTest::oneLine()
     change(facts);
     const QString text = infoText(u"a.mp4"_s, facts);
     QVERIFY2(text.contains(expected), qPrintable(text));
+}
+
+void InfoTextTest::kind_data()
+{
+    QTest::addColumn<QByteArray>("streams");
+    QTest::addColumn<QString>("kind");
+    const auto row = [](const char *name, const char *streams, const QString &kind) {
+        QTest::newRow(name) << R"({"streams":[)" + QByteArray(streams) + "]}" << kind;
+    };
+    const QString video = u"video"_s;
+    const QString withoutRate = u"video without a frame rate"_s;
+    const QString still = u"a still"_s;
+    row("moving pictures",
+        R"({"codec_type":"video","codec_name":"av1","avg_frame_rate":"25/1","nb_frames":"2"})", video);
+    row("of a length",
+        R"({"codec_type":"video","codec_name":"av1","avg_frame_rate":"30000/1001","duration":"0.066733"})",
+        video);
+    row("of unknown length", R"({"codec_type":"video","codec_name":"av1","avg_frame_rate":"25/1"})", video);
+    row("of a rate that is none",
+        R"({"codec_type":"video","codec_name":"av1","avg_frame_rate":"25","duration":"0.04"})", video);
+    row("one picture", R"({"codec_type":"video","codec_name":"av1","avg_frame_rate":"25/1","nb_frames":"1"})",
+        still);
+    row("as long as one picture",
+        R"({"codec_type":"video","codec_name":"av1","avg_frame_rate":"25/1","duration":"0.040000"})", still);
+    row("one picture, long shown",
+        R"({"codec_type":"video","codec_name":"av1","avg_frame_rate":"1/10","nb_frames":"1","duration":"10"})",
+        still);
+    row("counted before computed",
+        R"({"codec_type":"video","codec_name":"av1","avg_frame_rate":"25/1","nb_frames":"300","duration":"0.04"})",
+        video);
+    row("without a frame rate",
+        R"({"codec_type":"video","codec_name":"msmpeg4v3","avg_frame_rate":"0/0","duration":"27.699000"})",
+        withoutRate);
+    row("without a frame rate, behind sound",
+        R"({"codec_type":"audio"},{"codec_type":"video","codec_name":"theora","avg_frame_rate":"0/0"})",
+        withoutRate);
+    row("one picture without a frame rate",
+        R"({"codec_type":"video","codec_name":"av1","avg_frame_rate":"0/0","nb_frames":"1"},{"codec_type":"audio"})",
+        still);
+    row("sound with a cover",
+        R"({"codec_type":"audio"},
+           {"codec_type":"video","codec_name":"av1","avg_frame_rate":"0/0","disposition":{"attached_pic":1}})",
+        u"sound only"_s);
+    row("video without a frame rate with a cover",
+        R"({"codec_type":"audio"},
+           {"codec_type":"video","codec_name":"av1","avg_frame_rate":"0/0","disposition":{"attached_pic":1}},
+           {"codec_type":"video","codec_name":"av1","avg_frame_rate":"0/0","disposition":{"attached_pic":0}})",
+        withoutRate);
+    row("a cover alone",
+        R"({"codec_type":"video","codec_name":"av1","avg_frame_rate":"0/0","disposition":{"attached_pic":1}})",
+        still);
+    row("subtitles alone", R"({"codec_type":"subtitle"})", u"neither video nor sound"_s);
+}
+
+void InfoTextTest::kind()
+{
+    QFETCH(QByteArray, streams);
+    QFETCH(QString, kind);
+    const QString text = infoText(u"a"_s, FileProbe::fromReport(u"/a.mp4"_s, streams));
+    QCOMPARE(text.section(u'\n', 1, 1), u"  Kind          "_s + kind);
 }
 
 void InfoTextTest::lineThatIsLeftOut_data()

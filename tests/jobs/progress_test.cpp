@@ -109,6 +109,9 @@ void TestProgress::followsCapturedRuns_data()
     QTest::newRow("4.1-good") << QList<int>{280, 852, 1548, 2212, 2988};
     QTest::newRow("5.1-good") << QList<int>{0, 444, 1160, 1840, 2572, 2988};
     QTest::newRow("7.1-good") << QList<int>{660, 1564, 2472, 2992};
+    QTest::newRow("9.0-good") << QList<int>{0,    112,  168,  228,  312,  384,  468,  696,  876,  960,
+                                            1040, 1108, 1220, 1292, 1344, 1420, 1496, 1600, 1716, 1780,
+                                            1848, 2088, 2340, 2492, 2552, 2624, 2696, 2780, 2992};
 }
 
 void TestProgress::followsCapturedRuns()
@@ -125,7 +128,8 @@ void TestProgress::followsCapturedRuns()
 void TestProgress::survivesEveryCut_data()
 {
     QTest::addColumn<QByteArray>("text");
-    for (const char *name : {"4.1-good", "5.1-good", "7.1-good", "7.1-disk_full_at_once"})
+    for (const char *name :
+         {"4.1-good", "5.1-good", "7.1-good", "7.1-disk_full_at_once", "9.0-disk_full_at_once"})
         QTest::newRow(name) << test::capturedText(name);
     QTest::newRow("elapsed") << QByteArray(
         "frame=    1 fps=0.0 q=0.0 size=       0KiB time=N/A bitrate=N/A speed=N/A elapsed=0:00:00.50    \r"

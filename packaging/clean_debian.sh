@@ -1,7 +1,8 @@
 # shellcheck shell=bash
-# Sourced by the checks in this folder, after scripts/packages.sh: a clean Debian 12 to try things in. It takes root (or
-# sudo), and comes from where this machine's own apt gets its packages.
-release=bookworm
+# Sourced by the checks in this folder with their argument, after scripts/packages.sh: a clean Debian of the release that it
+# names, to try things in. It takes root (or sudo), and comes from where this machine's own apt gets its packages.
+release=${1:-bookworm}
+case $release in bookworm | trixie | sid) ;; *) fail "$release is none of bookworm, trixie, sid" ;; esac
 as_root=
 if [ "$(id -u)" -ne 0 ]; then as_root=sudo; fi
 
@@ -21,6 +22,16 @@ quietly() {
     }
 }
 
+# clone_into ROOT: the last commit, as the folder tessaly of ROOT's root.
+clone_into() {
+    git clone -q --no-hardlinks . "$work/tessaly"
+    # shellcheck disable=SC2086
+    {
+        $as_root mv "$work/tessaly" "$1/root/tessaly"
+        $as_root chown -R root:root "$1/root/tessaly"
+    }
+}
+
 # inside USER COMMAND: in the clean Debian, in namespaces of its own.
 inside() {
     # shellcheck disable=SC2016,SC2086
@@ -31,14 +42,18 @@ inside() {
 
 # Makes it in $root, with an ordinary user "someone".
 make_clean_debian() {
-    say "Making a clean Debian 12 ($release)"
+    say "Making a clean Debian ($release)"
     need debootstrap
-    # Where this machine gets Debian's packages: one line of "deb …" a source. The first has the release itself.
+    # Where this machine gets Debian's packages: one line of "deb …" a source, for its own release. Other releases lie in the
+    # same places; unstable has neither updates nor fixes of its own.
     # shellcheck disable=SC2016
-    local line='$(ORIGIN)|$(CODENAME)|deb $(REPO_URI) $(RELEASE) $(COMPONENT)' sources mirror proxy
-    sources=$(apt-get indextargets --format "$line" 'Created-By: Packages' | sed -n "s/^Debian|${release}[^|]*|//p")
+    local line='$(ORIGIN)|$(CODENAME)|deb $(REPO_URI) $(RELEASE) $(COMPONENT)' targets own sources mirror proxy
+    targets=$(apt-get indextargets --format "$line" 'Created-By: Packages' | sed -n 's/^Debian|//p')
+    own=$(sed -n '/^[a-z]*|deb /{s/|.*//p;q}' <<<"$targets")
+    sources=$(sed -n "s/^${own}[^|]*|\(deb [^ ]*\) $own/\1 $release/p" <<<"$targets")
+    [ "$release" != sid ] || sources=$(grep ' sid ' <<<"$sources" || :)
     mirror=$(sed -n "s/^deb \(.*\) ${release} main\$/\1/p" <<<"$sources" | head -n 1)
-    [ -n "$mirror" ] || fail "apt knows no source of $release here"
+    [ -n "$mirror" ] || fail "apt knows no source of Debian here"
     # And how it reaches them.
     apt-config dump | grep -E '^Acquire::(https?|Retries|Check-Valid-Until)\b' >"$work/apt.conf" || :
     eval "$(apt-config shell proxy Acquire::http::Proxy)"

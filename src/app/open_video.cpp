@@ -4,6 +4,7 @@
 #include "platform/child_process.h"
 #include "platform/paths.h"
 #include "probe/file_facts.h"
+#include "ui/alert.h"
 #include "ui/file_panels.h"
 
 #include <QFileInfo>
@@ -39,6 +40,7 @@ void AppDelegate::fileAddedByDragAndDropWithNotification(const NotificationCente
 {
     const QUrl url = notification.userInfo.value(u"key"_s).toUrl();
     if (!url.isLocalFile()) qFatal("FileAddedByDragAnadDrop came without the URL of a file");
+    answerAlerts(window.get());
     openVideo(url);
 }
 

@@ -8,8 +8,6 @@
 
 namespace tessaly {
 
-namespace {
-
 bool isUserInput(const QEvent &event)
 {
     switch (event.type()) {
@@ -48,6 +46,8 @@ bool isUserInput(const QEvent &event)
         return false;
     }
 }
+
+namespace {
 
 int nesting = 0;
 int outermostLoopLevel = 0;

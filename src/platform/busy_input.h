@@ -1,7 +1,13 @@
 // Times in which windows repaint but take no input.
 #pragma once
 
+class QEvent;
+
 namespace tessaly {
+
+// Whether the event is something that a person does with a window: mouse, wheel, keys, shortcuts, touch,
+// tablet, gestures, context menus, input methods, drags and drops.
+bool isUserInput(const QEvent &event);
 
 // While one of these lives, what the user does is thrown away and not delivered later: keys, mouse, wheel,
 // touch, tablet, gestures, shortcuts, context menus, input methods, drags and drops (which are told that

@@ -1,6 +1,7 @@
 #include "ui/alert.h"
 
 #include "platform/main_queue.h"
+#include "ui/sheet_shield.h"
 
 #include <QAbstractButton>
 #include <QCoreApplication>
@@ -156,7 +157,21 @@ void Alert::beginSheet(QWidget *window, std::function<void(int response)> comple
         asyncOnMainQueue(context, [completion, response = responseOf(box)] { completion(response); });
     };
     QObject::connect(box, &QDialog::finished, context, answer, Qt::SingleShotConnection);
-    box->open();
+    if (!parent) {
+        box->open();
+        return;
+    }
+    box->setModal(false); // a message box is modal of its own accord
+    new SheetShield(parent, box);
+    box->show();
+}
+
+void answerAlerts(QWidget *window)
+{
+    const QList<QMessageBox *> boxes = window->findChildren<QMessageBox *>(u"alert"_s);
+    std::for_each(boxes.rbegin(), boxes.rend(), [](QMessageBox *box) {
+        if (box->isVisible() && box->escapeButton()) box->reject();
+    });
 }
 
 QString withBreaksInLongWords(const QString &text)

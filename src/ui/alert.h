@@ -35,13 +35,17 @@ struct Alert
     // window manager's close answer the button "Cancel", without one "OK" or the only button, without those
     // nothing.
     //
-    // The sheet belongs to the window of `window`, which takes no input meanwhile; a sheet begun while
-    // another one is up lies over it. Its object name is "alert", those of its buttons "alertButton1000",
-    // "alertButton1001", …
+    // The sheet belongs to the window of `window`, which takes drags meanwhile, also those onto the sheet,
+    // but no other input; a sheet begun while another one is up lies over it. Its object name is "alert",
+    // those of its buttons "alertButton1000", "alertButton1001", …
     void beginSheet(QWidget *window, std::function<void(int response)> completion = {}) const;
 
     QStringList buttonTitles;
 };
+
+// Answers all alerts on the window as Escape does, from the top one down. One that Escape does not answer
+// stays.
+void answerAlerts(QWidget *window);
 
 // The text with invisible break opportunities (U+200B) in words that are too long for one line, such as file
 // names.

@@ -30,11 +30,16 @@ QRect fittedInto(const QSize &area, const QSize &image)
 }
 
 // Set, not just accepted as proposed: a source that is told "move" may delete its file. Qt puts the proposed
-// action in the place of a copy that is not offered.
+// action in the place of a copy that is not offered, so without one there is no answer but a refusal.
 void answerCopy(QDropEvent *event, bool accepted)
 {
     event->setDropAction(Qt::CopyAction);
     event->setAccepted(accepted);
+}
+
+bool offersCopy(const QDropEvent *event)
+{
+    return event->possibleActions().testFlag(Qt::CopyAction);
 }
 
 } // namespace
@@ -90,18 +95,22 @@ void ImageDropView::paintEvent(QPaintEvent *)
 
 void ImageDropView::dragEnterEvent(QDragEnterEvent *event)
 {
-    answerCopy(event, !isGuarded() && isExistingFile(firstLocalFileName(event->mimeData())));
+    answerCopy(event, isWelcome(event) && isExistingFile(firstLocalFileName(event->mimeData())));
 }
 
 void ImageDropView::dragMoveEvent(QDragMoveEvent *event)
 {
-    answerCopy(event, !isGuarded());
+    answerCopy(event, isWelcome(event));
 }
 
 void ImageDropView::dropEvent(QDropEvent *event)
 {
-    answerCopy(event, !isGuarded() && performDragOperation(event->mimeData()));
-    if (event->dropAction() != Qt::CopyAction) event->setDropAction(Qt::IgnoreAction);
+    answerCopy(event, isWelcome(event) && performDragOperation(event->mimeData()));
+}
+
+bool ImageDropView::isWelcome(const QDropEvent *event) const
+{
+    return offersCopy(event) && (!m_dropGuard || m_dropGuard());
 }
 
 bool ImageDropView::performDragOperation(const QMimeData *drag)

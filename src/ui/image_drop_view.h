@@ -16,8 +16,8 @@ namespace tessaly {
 // Shows an image as large as it fits, enlarged when it is small, with its shape kept, in the middle, one
 // image pixel for one pixel of the screen where the sizes allow it. It has a layer from the start.
 //
-// A drag is welcome when its first local file exists and is not a folder. The source is told that the file
-// was copied, or nothing when it offers no copy: never that it was moved. An accepted drop posts
+// A drag is welcome when it may be copied and its first local file exists and is not a folder. The source is
+// told that the file was copied: never that it was moved. An accepted drop posts
 // "FileAddedByDragAnadDrop" to the default notification centre, without a sender, with the one entry "key":
 // the file's URL (QUrl). The observers are called before the drop event returns. There is no drop highlight.
 class ImageDropView : public QWidget
@@ -55,7 +55,7 @@ protected:
     void dropEvent(QDropEvent *event) override;
 
 private:
-    bool isGuarded() const { return m_dropGuard && !m_dropGuard(); }
+    bool isWelcome(const QDropEvent *event) const;
     bool performDragOperation(const QMimeData *drag);
 
     QImage m_image;

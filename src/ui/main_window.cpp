@@ -19,6 +19,7 @@ using namespace Qt::StringLiterals;
 MainWindow::MainWindow(QWidget *parent) : QMainWindow(parent), m_form(std::make_unique<Ui::MainWindowForm>())
 {
     m_form->setupUi(this);
+    setAcceptDrops(true);
     addPosterSlider();
     addIcons();
     styleHint();
@@ -31,6 +32,21 @@ MainWindow::MainWindow(QWidget *parent) : QMainWindow(parent), m_form(std::make_
 }
 
 MainWindow::~MainWindow() = default;
+
+bool MainWindow::event(QEvent *event)
+{
+    switch (event->type()) {
+    case QEvent::DragEnter:
+    case QEvent::DragMove:
+    case QEvent::DragLeave:
+    case QEvent::Drop: {
+        QObject *poster = m_form->posterView;
+        return poster->event(event);
+    }
+    default:
+        return QMainWindow::event(event);
+    }
+}
 
 void MainWindow::paintEvent(QPaintEvent *event)
 {

@@ -16,6 +16,8 @@ class ProgressSheet;
 // Every control is a child whose object name is its outlet's name. Beside those of the form there are the
 // tool bar item "posterPositionSliderTBI" (an action) with its slider "posterPositionSlider", and the sheet
 // "progressWindow" with its parts, which lies under the window as long as it is not shown.
+//
+// What is dragged anywhere onto the window goes to the poster view.
 class MainWindow : public QMainWindow
 {
     Q_OBJECT
@@ -34,6 +36,7 @@ public:
     void showStatus(const QString &text);
 
 protected:
+    bool event(QEvent *event) override;
     void paintEvent(QPaintEvent *event) override;
 
 private:

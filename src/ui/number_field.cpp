@@ -34,6 +34,8 @@ bool willReturn(Qt::FocusReason reason)
 
 NumberField::NumberField(QWidget *parent) : QLineEdit(parent)
 {
+    // A path that is dropped here is meant for the window, and must not become a part of the number.
+    setAcceptDrops(false);
     connect(this, &QLineEdit::returnPressed, this, &NumberField::commit);
 }
 

@@ -14,7 +14,7 @@ namespace tessaly {
 //     another window only borrows the focus: the edit stays open.
 //   - it is dropped: by Escape or discardEdit();
 //   - a value is set from code.
-// A field that loses the focus by being disabled commits nothing. Any text may be typed.
+// A field that loses the focus by being disabled commits nothing. Any text may be typed; none can be dropped.
 class NumberField : public QLineEdit
 {
     Q_OBJECT

@@ -1,5 +1,6 @@
-// A window that offers a drag: drag_source [--move] [--text TEXT | FILE…]. Like a file manager it deletes the
-// files when the target reports that they were moved. On standard output it says "ready", "over ACTION" when
+// A window that offers a drag: drag_source [--offer=copy,move,link] [--text TEXT | FILE…]. Without an offer
+// it offers a copy; of several it wants the last. Like a file manager it deletes the files when the target
+// reports that they were moved. On standard output it says "ready", "over ACTION" when
 // the target's answer changes, and "done ACTION" at the end; then it lives on, since a target may ask for the
 // data as late as that.
 #include <QApplication>
@@ -27,6 +28,8 @@ QString named(Qt::DropAction action)
         return u"copy"_s;
     case Qt::MoveAction:
         return u"move"_s;
+    case Qt::LinkAction:
+        return u"link"_s;
     case Qt::IgnoreAction:
         return u"nothing"_s;
     default:
@@ -37,10 +40,11 @@ QString named(Qt::DropAction action)
 class Source : public QWidget
 {
 public:
-    explicit Source(const QStringList &arguments)
-        : m_offersMove(arguments.contains("--move"_L1)), m_isText(arguments.contains("--text"_L1))
+    explicit Source(const QStringList &arguments) : m_isText(arguments.contains("--text"_L1))
     {
+        constexpr auto offer = "--offer="_L1;
         for (const QString &argument : arguments) {
+            if (argument.startsWith(offer)) m_offer = argument.sliced(offer.size()).split(u',');
             if (!argument.startsWith("--"_L1)) m_items << argument;
         }
         setWindowTitle(u"Drag source"_s);
@@ -77,8 +81,14 @@ private:
         drag->setMimeData(data());
         connect(drag, &QDrag::actionChanged, this,
                 [](Qt::DropAction action) { say(u"over "_s + named(action)); });
-        const Qt::DropActions offered = m_offersMove ? Qt::CopyAction | Qt::MoveAction : Qt::CopyAction;
-        const Qt::DropAction done = drag->exec(offered, m_offersMove ? Qt::MoveAction : Qt::CopyAction);
+        Qt::DropActions offered;
+        Qt::DropAction wanted = Qt::IgnoreAction;
+        for (const Qt::DropAction action : {Qt::CopyAction, Qt::MoveAction, Qt::LinkAction}) {
+            if (!m_offer.contains(named(action))) continue;
+            offered |= action;
+            wanted = action;
+        }
+        const Qt::DropAction done = drag->exec(offered, wanted);
         if (done == Qt::MoveAction) {
             for (const QString &path : m_items)
                 QFile::remove(path);
@@ -86,7 +96,7 @@ private:
         say(u"done "_s + named(done));
     }
 
-    bool m_offersMove;
+    QStringList m_offer{u"copy"_s};
     bool m_isText;
     QStringList m_items;
     QPoint m_pressedAt;

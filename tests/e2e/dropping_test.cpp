@@ -8,6 +8,13 @@ using namespace Qt::StringLiterals;
 using namespace tessaly::e2e;
 using tessaly::test::seen;
 
+struct Place
+{
+    Role role;
+    QString name;
+};
+Q_DECLARE_METATYPE(Place)
+
 class DroppingTest : public EndToEndCase
 {
     Q_OBJECT
@@ -17,17 +24,22 @@ private Q_SLOTS:
     void opensTheFirstFile();
     void takesNothingElse_data();
     void takesNothingElse();
-    void reportsACopyWhenAMoveIsOffered();
+    void takesAFileEverywhereAndNeverMovesIt_data();
+    void takesAFileEverywhereAndNeverMovesIt();
+    void takesAFileUnderAnAlert_data();
+    void takesAFileUnderAnAlert();
     void showsNamesLiterally_data();
     void showsNamesLiterally();
 
 private:
-    bool drag(Program &source, const Program &target, const QString &answer);
-    bool enterUntil(const QPoint &to, const QPoint &edge, Program &source, const QString &answer);
+    bool drag(Program &source, const Program &target, const Place &place, const QString &answer);
+    bool enterUntil(const QPoint &to, const QPoint &home, Program &source, const QString &answer);
     bool restOn(const QPoint &to, const Program &target);
 };
 
 namespace {
+
+const Place hint{Role::label, u"Drop a video here, or press Ctrl+O to open one"_s};
 
 QStringList at(const QPoint &point)
 {
@@ -44,7 +56,7 @@ QString answerOf(Program &source)
 
 // A drag as a hand makes it: it starts slowly, goes over the lower edge of the window, and is let go on the
 // target.
-bool DroppingTest::drag(Program &source, const Program &target, const QString &answer)
+bool DroppingTest::drag(Program &source, const Program &target, const Place &place, const QString &answer)
 {
     const auto isReady = [&] {
         return source.standardOutput().contains("ready"_L1) && source.shows(Role::filler);
@@ -52,12 +64,11 @@ bool DroppingTest::drag(Program &source, const Program &target, const QString &a
     if (!QTest::qWaitFor(isReady)) return false;
     const std::optional<Control> start = source.find(Role::filler);
     const std::optional<Control> window = target.find(Role::frame);
-    const std::optional<Control> hint =
-        target.find(Role::label, u"Drop a video here, or press Ctrl+O to open one"_s);
-    if (!start || !window || !hint) return false;
+    const std::optional<Control> goal = target.find(place.role, place.name);
+    if (!start || !window || !goal) return false;
     const QPoint from = start->extents().center();
     const QPoint edge = window->extents().bottomLeft() + QPoint(40, -6);
-    const QPoint to = hint->extents().center();
+    const QPoint to = goal->extents().center();
 
     desktop().xdotool(at(from) + QStringList{u"mousedown"_s, u"1"_s});
     for (int step = 1; step <= 5; ++step)
@@ -65,19 +76,19 @@ bool DroppingTest::drag(Program &source, const Program &target, const QString &a
     for (int step = 1; step <= 12; ++step)
         desktop().xdotool(at(from + (edge - from) * step / 12));
     const bool isAnswered =
-        answer == "nothing"_L1 ? restOn(to, target) : enterUntil(to, edge, source, answer);
+        answer == "nothing"_L1 ? restOn(to, target) : enterUntil(to, from, source, answer);
     desktop().xdotool({u"mouseup"_s, u"1"_s});
     return isAnswered &&
            QTest::qWaitFor([&] { return source.standardOutput().contains(u"done "_s + answer); });
 }
 
 // A target answers each movement. Letting go before the last answer is there would lose the drop, so the last
-// movement is one that changes the answer.
-bool DroppingTest::enterUntil(const QPoint &to, const QPoint &edge, Program &source, const QString &answer)
+// movement is one that changes the answer: from the source itself, which takes nothing.
+bool DroppingTest::enterUntil(const QPoint &to, const QPoint &home, Program &source, const QString &answer)
 {
     const auto isAnswered = [&] { return answerOf(source) == answer; };
     for (int attempt = 0; attempt < 5; ++attempt) {
-        desktop().xdotool(at(edge));
+        desktop().xdotool(at(home));
         (void)QTest::qWaitFor([&] { return !isAnswered(); }, 1000);
         desktop().xdotool(at(to));
         if (QTest::qWaitFor(isAnswered, 1000)) return true;
@@ -109,7 +120,7 @@ void DroppingTest::opensTheFirstFile()
     QFETCH(QStringList, files);
     Program &tessaly = launch();
     Program &source = start(u"../tests/bin/drag_source"_s, {.arguments = files});
-    QVERIFY(drag(source, tessaly, u"copy"_s));
+    QVERIFY(drag(source, tessaly, hint, u"copy"_s));
     QTRY_VERIFY_WITH_TIMEOUT(tessaly.shows(Role::label, u"Input: 640 x 360"_s), workTime);
     seen(u"source told: %1; opened: %2; %3 frames"_s
              .arg(answerOf(source).section(u'\n', -1), tessaly.find(Role::frame)->name())
@@ -132,7 +143,7 @@ void DroppingTest::takesNothingElse()
     QFETCH(QStringList, arguments);
     Program &tessaly = launch();
     Program &source = start(u"../tests/bin/drag_source"_s, {.arguments = arguments});
-    QVERIFY(drag(source, tessaly, u"nothing"_s));
+    QVERIFY(drag(source, tessaly, hint, u"nothing"_s));
     // The window answers to what comes next, and to nothing before.
     QVERIFY(tessaly.press({u"F1"_s}));
     QCOMPARE(waitForAlert(tessaly).value(0), u"Questions?"_s);
@@ -144,16 +155,73 @@ void DroppingTest::takesNothingElse()
     QVERIFY(posterFrames().isEmpty());
 }
 
-void DroppingTest::reportsACopyWhenAMoveIsOffered()
+void DroppingTest::takesAFileEverywhereAndNeverMovesIt_data()
 {
-    const QString path = copyOfClip(u"plain.mp4"_s, u"offered.mp4"_s);
+    QTest::addColumn<Place>("place");
+    QTest::addColumn<QString>("offer");
+    QTest::addColumn<QString>("answer");
+    const std::pair<const char *, Place> places[] = {
+        {"the poster", {Role::filler, u"Poster frame"_s}},
+        {"the width field", {Role::field, u"Output width"_s}},
+        {"the height field", {Role::field, u"Output height"_s}},
+        {"the size slider", {Role::slider, u"Size in percent of the input"_s}},
+        {"the tool bar", {Role::button, u"Help"_s}}};
+    for (const auto &[name, place] : places) {
+        for (const QString &offer : {u"copy"_s, u"copy,move"_s, u"move"_s, u"link"_s})
+            QTest::addRow("%s, offered: %s", name, qPrintable(offer))
+                << place << offer << (offer.startsWith("copy"_L1) ? u"copy"_s : u"nothing"_s);
+    }
+}
+
+// The source deletes what it is told was moved. The fields are those of an open video, ready to take text.
+void DroppingTest::takesAFileEverywhereAndNeverMovesIt()
+{
+    QFETCH(Place, place);
+    QFETCH(QString, offer);
+    QFETCH(QString, answer);
+    const QString path = copyOfClip(u"hd.mp4"_s, u"offered.mp4"_s);
     Program &tessaly = launch();
-    Program &source = start(u"../tests/bin/drag_source"_s, {.arguments = {u"--move"_s, path}});
-    QVERIFY(drag(source, tessaly, u"copy"_s));
-    QTRY_VERIFY_WITH_TIMEOUT(tessaly.shows(Role::label, u"Input: 640 x 360"_s), workTime);
+    QVERIFY(openVideo(tessaly, clip(u"plain.mp4"_s), u"640 x 360"_s));
+    Program &source = start(u"../tests/bin/drag_source"_s, {.arguments = {u"--offer="_s + offer, path}});
+    QVERIFY(drag(source, tessaly, place, answer));
+    const bool isTaken = answer == "copy"_L1;
+    const QString label = isTaken ? u"Input: 1920 x 1080"_s : u"Input: 640 x 360"_s;
+    QTRY_VERIFY_WITH_TIMEOUT(tessaly.shows(Role::label, label) && tessaly.isEnabled(Role::button, u"Save"_s),
+                             workTime);
     seen(u"source told: %1; file %2"_s.arg(answerOf(source).section(u'\n', -1),
                                            QFile::exists(path) ? u"still there"_s : u"DELETED"_s));
-    QCOMPARE(checksum(path), checksum(clip(u"plain.mp4"_s)));
+    QCOMPARE(checksum(path), checksum(clip(u"hd.mp4"_s)));
+    QCOMPARE(tessaly.fieldText(u"Output width"_s), isTaken ? u"1920"_s : u"640"_s);
+    QCOMPARE(tessaly.fieldText(u"Output height"_s), isTaken ? u"1080"_s : u"360"_s);
+}
+
+void DroppingTest::takesAFileUnderAnAlert_data()
+{
+    QTest::addColumn<bool>("refusal");
+    QTest::addColumn<Place>("place");
+    QTest::newRow("a refusal, onto the window") << true << Place{Role::button, u"Help"_s};
+    QTest::newRow("a refusal, onto the alert") << true << Place{Role::button, u"OK"_s};
+    QTest::newRow("help, onto the window") << false << Place{Role::button, u"Help"_s};
+}
+
+void DroppingTest::takesAFileUnderAnAlert()
+{
+    QFETCH(bool, refusal);
+    QFETCH(Place, place);
+    Program &tessaly = launch();
+    if (refusal)
+        QVERIFY(chooseVideo(tessaly, clip(u"sound.m4a"_s)));
+    else
+        QVERIFY(tessaly.press({u"F1"_s}));
+    QVERIFY(!waitForAlert(tessaly).isEmpty());
+    Program &source = start(u"../tests/bin/drag_source"_s, {.arguments = {clip(u"plain.mp4"_s)}});
+    QVERIFY(drag(source, tessaly, place, u"copy"_s));
+    QTRY_VERIFY_WITH_TIMEOUT(tessaly.shows(Role::label, u"Input: 640 x 360"_s), workTime);
+    seen(u"source told: %1; %2"_s.arg(answerOf(source).section(u'\n', -1), tessaly.shows(Role::alert)
+                                                                               ? u"the alert is still up"_s
+                                                                               : u"the alert is gone"_s));
+    QVERIFY(!tessaly.shows(Role::alert));
+    QTRY_VERIFY(tessaly.isEnabled(Role::button, u"Save"_s));
 }
 
 void DroppingTest::showsNamesLiterally_data()
@@ -171,7 +239,7 @@ void DroppingTest::showsNamesLiterally()
     const QString path = copyOfClip(u"plain.mp4"_s, name);
     Program &tessaly = launch();
     Program &source = start(u"../tests/bin/drag_source"_s, {.arguments = {path}});
-    QVERIFY(drag(source, tessaly, u"copy"_s));
+    QVERIFY(drag(source, tessaly, hint, u"copy"_s));
     QTRY_VERIFY_WITH_TIMEOUT(tessaly.shows(Role::label, u"Input: 640 x 360"_s), workTime);
     QTRY_VERIFY2(tessaly.shows(Role::frame, name + u" - Tessaly"_s),
                  qPrintable(tessaly.find(Role::frame)->name()));

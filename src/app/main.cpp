@@ -3,6 +3,7 @@
 #include "platform/temporary_directory.h"
 #include "platform/termination_watch.h"
 #include "platform/utf8_locale.h"
+#include "ui/unmanaged_focus.h"
 
 #include <QApplication>
 
@@ -15,6 +16,7 @@ int main(int argc, char *argv[])
     if (const std::optional<int> answered = answerCommandLine(argc, argv)) return *answered;
 
     const std::unique_ptr<QApplication> application = startApplication(argc, argv);
+    const UnmanagedFocus focus;
     MainWindow window;
     AppDelegate delegate;
     delegate.connectTo(&window);

@@ -144,7 +144,9 @@ void DroppingTest::takesNothingElse()
     Program &tessaly = launch();
     Program &source = start(u"../tests/bin/drag_source"_s, {.arguments = arguments});
     QVERIFY(drag(source, tessaly, hint, u"nothing"_s));
-    // The window answers to what comes next, and to nothing before.
+    // The window answers to what comes next, and to nothing before. The press on the source took the
+    // keyboard.
+    QVERIFY(tessaly.click(Role::label, u"Input: 0 x 0"_s));
     QVERIFY(tessaly.press({u"F1"_s}));
     QCOMPARE(waitForAlert(tessaly).value(0), u"Questions?"_s);
     const bool nothingOpen = tessaly.shows(Role::label, u"Input: 0 x 0"_s);

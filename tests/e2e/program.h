@@ -54,7 +54,8 @@ public:
 
 private:
     std::optional<Control> root() const;
-    bool takeKeyboard();
+    // Nobody gives it to the program but itself: there is no window manager.
+    bool hasKeyboard() const;
 
     Desktop &m_desktop;
     QProcess m_process;

@@ -16,6 +16,7 @@ private Q_SLOTS:
     void saysInOneSentenceWhereFilesAreOpened();
     void startsQuietlyInTheNoFileState();
     void endsByKeyboardAndLeavesNothing();
+    void aClickUnderAnAlertOnlyBringsItBack();
 };
 
 namespace {
@@ -115,6 +116,19 @@ void StartingTest::endsByKeyboardAndLeavesNothing()
     QTRY_VERIFY(tessaly.hasEnded());
     QCOMPARE(tessaly.exitStatus(), 0);
     QCOMPARE(temporaryFiles(), QStringList());
+}
+
+void StartingTest::aClickUnderAnAlertOnlyBringsItBack()
+{
+    Program &tessaly = launch();
+    QVERIFY(tessaly.press({u"F1"_s}));
+    QTRY_VERIFY(tessaly.shows(Role::alert));
+    QVERIFY(tessaly.click(Role::button, u"Open"_s));
+    QVERIFY(tessaly.press({u"Return"_s}));
+    QTRY_VERIFY(!tessaly.shows(Role::alert));
+    QVERIFY(!tessaly.shows(Role::field, u"File name:"_s));
+    QVERIFY(tessaly.press({u"F1"_s})); // the window has the keyboard again
+    QTRY_VERIFY(tessaly.shows(Role::alert));
 }
 
 TESSALY_TEST_MAIN(StartingTest)

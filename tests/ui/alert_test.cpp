@@ -4,6 +4,7 @@
 #include <QLineEdit>
 #include <QMenu>
 #include <QSignalSpy>
+#include <QTimer>
 
 namespace tessaly {
 
@@ -39,6 +40,7 @@ private Q_SLOTS:
     void mayDeleteTheWindowWhenAnswered();
     void survivesTheWindowsEnd();
     void survivesTheWindowsClose();
+    void keepsNoProgramRunning();
     void worksWithoutAWindow();
 };
 
@@ -398,6 +400,16 @@ void AlertTest::survivesTheWindowsClose()
     buttonOf(box, 1000)->click();
     QTRY_COMPARE(stage.responses, QList<int>{1000});
     QTRY_VERIFY(!box);
+}
+
+void AlertTest::keepsNoProgramRunning()
+{
+    Stage stage;
+    stage.begin(stage.alert());
+    constexpr int patience = 20'000; // milliseconds
+    QTimer::singleShot(0, &stage.window, &QWidget::close);
+    QTimer::singleShot(patience, &stage.window, [] { QCoreApplication::exit(1); });
+    QCOMPARE(QCoreApplication::exec(), 0);
 }
 
 void AlertTest::worksWithoutAWindow()

@@ -5,11 +5,14 @@
 #include <QDialogButtonBox>
 #include <QDir>
 #include <QFileDialog>
+#include <QFileIconProvider>
 #include <QFileInfo>
 #include <QLineEdit>
 #include <QListView>
 #include <QMessageBox>
+#include <QMimeDatabase>
 #include <QPushButton>
+#include <QStandardPaths>
 
 namespace tessaly {
 
@@ -27,6 +30,49 @@ QMessageBox *makeQuestion(QWidget *panel, const QString &text)
     return box;
 }
 
+// Tells files by their names. Qt's own provider reads from each file that is listed to find out what it is:
+// from one that never answers, such as /proc/kmsg or a file on a lost network drive, for ever, while the
+// window waits.
+class NamesOnlyIcons : public QFileIconProvider
+{
+public:
+    QIcon icon(const QFileInfo &item) const override
+    {
+        if (item.isDir()) return QFileIconProvider::icon(item);
+        return QIcon::fromTheme(typeOf(item).iconName(), QFileIconProvider::icon(IconType::File));
+    }
+    using QFileIconProvider::icon;
+
+    QString type(const QFileInfo &item) const override
+    {
+        return item.isDir() ? QFileIconProvider::type(item) : typeOf(item).comment();
+    }
+
+private:
+    static QMimeType typeOf(const QFileInfo &item)
+    {
+        return QMimeDatabase().mimeTypeForFile(item, QMimeDatabase::MatchExtension);
+    }
+};
+
+QFileIconProvider *namesOnlyIcons()
+{
+    static NamesOnlyIcons icons;
+    return &icons;
+}
+
+// Where a person keeps films, as far as these folders are there.
+QList<QUrl> places()
+{
+    QList<QUrl> urls{QUrl(u"file:"_s)}; // the whole computer
+    for (const auto place : {QStandardPaths::HomeLocation, QStandardPaths::MoviesLocation,
+                             QStandardPaths::DownloadLocation, QStandardPaths::DesktopLocation}) {
+        const QUrl url = fileURL(QStandardPaths::writableLocation(place));
+        if (QFileInfo(url.toLocalFile()).isDir() && !urls.contains(url)) urls << url;
+    }
+    return urls;
+}
+
 // What both panels share: Qt's own dialog, driven alike by people and tests, whose acceptance is judged here,
 // so that all questions are sheets and names with quotation marks (a list of names to Qt) are taken
 // literally.
@@ -37,6 +83,8 @@ public:
     {
         setAttribute(Qt::WA_DeleteOnClose);
         setOption(QFileDialog::DontUseNativeDialog);
+        setIconProvider(namesOnlyIcons());
+        setSidebarUrls(places());
         setWindowTitle(title);
         setDirectory(!directory.isEmpty() && QFileInfo(directory).isDir() ? directory : QDir::homePath());
     }

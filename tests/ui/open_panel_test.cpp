@@ -38,6 +38,9 @@ private Q_SLOTS:
     void aMissingFileIsSaidAndThePanelStays_data();
     void aMissingFileIsSaidAndThePanelStays();
     void opensNothingWithoutAName();
+    void tellsFilesByTheirNamesAlone();
+    void goesOnInAFolderOfFilesThatNeverAnswer();
+    void offersThePlacesOfFilms();
     void answersNothingWhenTheWindowDies();
 
 private:
@@ -286,6 +289,49 @@ void OpenPanelTest::opensNothingWithoutAName()
     QVERIFY(driver.acceptButton()->isEnabled());
     driver.type(QString());
     QVERIFY(!driver.acceptButton()->isEnabled());
+}
+
+// What is in them is not read: some files never answer.
+void OpenPanelTest::tellsFilesByTheirNamesAlone()
+{
+    QTemporaryDir folder;
+    QImage picture(1, 1, QImage::Format_RGB32);
+    picture.fill(Qt::red);
+    QVERIFY(picture.save(folder.filePath(u"a.mp4"_s), "png"));
+    PanelDriver driver;
+    OpenPanel{{}, folder.path()}.beginSheet(&driver.window, driver.completion());
+    QTRY_VERIFY(driver.listIndex(u"a.mp4"_s).isValid());
+    constexpr int typeColumn = 2;
+    const QString type = driver.listIndex(u"a.mp4"_s).siblingAtColumn(typeColumn).data().toString();
+    QVERIFY2(type.contains("video"_L1, Qt::CaseInsensitive), qPrintable(type));
+    QVERIFY(!driver.listIndex(u"a.mp4"_s).data(Qt::DecorationRole).value<QIcon>().isNull());
+}
+
+// Whoever may read /proc/kmsg waits there for the kernel's next message.
+void OpenPanelTest::goesOnInAFolderOfFilesThatNeverAnswer()
+{
+    PanelDriver driver;
+    OpenPanel{{}, u"/proc"_s}.beginSheet(&driver.window, driver.completion());
+    QTRY_VERIFY(driver.listIndex(u"kmsg"_s).isValid());
+    driver.type(QDir::currentPath().prepend("/proc/self/root"_L1) + u"/gone.mp4"_s);
+    driver.accept();
+    QTRY_VERIFY(driver.question());
+}
+
+void OpenPanelTest::offersThePlacesOfFilms()
+{
+    QTemporaryDir home;
+    const QByteArray before = qgetenv("HOME");
+    qputenv("HOME", QFile::encodeName(home.path()));
+    for (const QString &name : {u"Videos"_s, u"Desktop"_s})
+        QVERIFY(QDir(home.path()).mkdir(name));
+    PanelDriver driver;
+    begin(driver);
+    QStringList paths;
+    for (const QUrl &url : driver.panel()->sidebarUrls())
+        paths << url.toLocalFile();
+    qputenv("HOME", before);
+    QCOMPARE(paths, (QStringList{{}, home.path(), home.filePath(u"Videos"_s), home.filePath(u"Desktop"_s)}));
 }
 
 void OpenPanelTest::answersNothingWhenTheWindowDies()

@@ -25,7 +25,7 @@ std::optional<qint64> repeats(QByteArrayView line)
     constexpr QByteArrayView after = " times";
     if (!line.startsWith(before) || !line.endsWith(after)) return std::nullopt;
     bool isNumber = false;
-    const int count = line.sliced(before.size()).chopped(after.size()).toInt(&isNumber);
+    const unsigned count = line.sliced(before.size()).chopped(after.size()).toUInt(&isNumber);
     return isNumber ? std::optional<qint64>(count) : std::nullopt;
 }
 

@@ -18,6 +18,7 @@ private Q_SLOTS:
     void ignoresAChunk_data();
     void ignoresAChunk();
     void leavesOddDurationsUnclamped();
+    void readsSecondsWithoutADuration();
     void followsCapturedRuns_data();
     void followsCapturedRuns();
     void survivesEveryCut_data();
@@ -103,6 +104,13 @@ void TestProgress::leavesOddDurationsUnclamped()
 }
 
 // A run of 30 seconds in each generation's words, line by line.
+void TestProgress::readsSecondsWithoutADuration()
+{
+    QCOMPARE(secondsOfChunk(progressLine), std::optional(7.2));
+    QCOMPARE(secondsOfChunk("time=N/A"), std::nullopt);
+    QCOMPARE(secondsOfChunk("00:00:07.20"), std::nullopt);
+}
+
 void TestProgress::followsCapturedRuns_data()
 {
     QTest::addColumn<QList<int>>("centiseconds");

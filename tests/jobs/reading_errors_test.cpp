@@ -73,6 +73,8 @@ void TestReadingErrors::counts_data()
         "2 "
         "times\n",
         4);
+    row("repeated less than nothing",
+        "Error while decoding stream #0:0: Bad\n    Last message repeated -5 times\n", 1);
     row("a damaged place in each container",
         "[ogg @ 0x5d0] CRC mismatch!\n"
         "[matroska,webm @ 0x5d0] Element at 0x90 ending at 0x99 exceeds containing master element ending at "

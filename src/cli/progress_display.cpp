@@ -2,53 +2,127 @@
 
 #include "cli/streams.h"
 
-#include <algorithm>
+#include <QElapsedTimer>
+
 #include <cmath>
+#include <sys/ioctl.h>
 #include <unistd.h>
 
 namespace tessaly {
 
 using namespace Qt::StringLiterals;
 
+namespace {
+
+ProgressDisplay::Clock startedClock()
+{
+    QElapsedTimer time;
+    time.start();
+    return [time] { return RemainingTime::Time(time.elapsed()); };
+}
+
+// A line that fills the last column may wrap, and could not be written over.
+int lineWidth()
+{
+    winsize size{};
+    const bool isKnown = ::ioctl(STDERR_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0;
+    return (isKnown ? size.ws_col : 80) - 1;
+}
+
+constexpr int longestBar = 30;
+constexpr int shortestBar = 10;
+
+int barBeside(const QString &text, int width)
+{
+    return qMin(longestBar, width - 3 - static_cast<int>(text.size()));
+}
+
+QString barAndText(double percent, int bar, const QString &text)
+{
+    const int filled = static_cast<int>(percent / 100 * bar);
+    return u'[' + QString(filled, u'#') + QString(bar - filled, u'.') + u"] "_s + text;
+}
+
+// "[######........] 42 % - about 1 minute left". Where this is too wide the bar goes first, then the time.
+QString barLine(double percent, const QString &text, int width)
+{
+    const int bar = barBeside(text, width);
+    if (bar >= shortestBar) return barAndText(percent, bar, text);
+    if (text.size() <= width) return text;
+    const QString shortText = text.section(u" - "_s, 0, 0);
+    const int shortTextsBar = barBeside(shortText, width);
+    if (shortTextsBar >= shortestBar) return barAndText(percent, shortTextsBar, shortText);
+    return shortText.left(width);
+}
+
+} // namespace
+
 ProgressStyle progressStyle(bool quiet)
 {
     if (quiet) return ProgressStyle::none;
-    return ::isatty(STDERR_FILENO) == 1 ? ProgressStyle::bar : ProgressStyle::lines;
+    const QByteArray terminal = qgetenv("TERM");
+    const bool canWriteOver = ::isatty(STDERR_FILENO) == 1 && !terminal.isEmpty() && terminal != "dumb";
+    return canWriteOver ? ProgressStyle::bar : ProgressStyle::lines;
 }
 
-ProgressDisplay::ProgressDisplay(ProgressStyle style) : m_style(style)
-{
-    m_time.start();
-}
+ProgressDisplay::ProgressDisplay(ProgressStyle style) : ProgressDisplay(style, startedClock()) {}
+
+ProgressDisplay::ProgressDisplay(ProgressStyle style, Clock clock) : m_style(style), m_clock(std::move(clock))
+{}
 
 void ProgressDisplay::show(double percent)
 {
-    if (m_style == ProgressStyle::none || !std::isfinite(percent)) return;
-    m_remaining.addReading(percent, std::chrono::milliseconds(m_time.elapsed()));
-    const double shown = std::clamp(percent, 0.0, 100.0);
-    if (m_style == ProgressStyle::bar) {
-        drawBar(shown);
-    } else {
-        writeLine(shown);
-    }
+    if (!std::isfinite(percent)) return;
+    m_remaining.addReading(percent, m_clock());
+    draw();
 }
 
-void ProgressDisplay::drawBar(double percent)
+void ProgressDisplay::showConverted(double seconds)
 {
-    constexpr int width = 30;
-    const int filled = static_cast<int>(percent / 100 * width);
-    const QString text =
-        m_remaining.text().isEmpty() ? u"%1 %"_s.arg(static_cast<int>(percent)) : m_remaining.text();
-    const QString line = u"\r["_s + QString(filled, u'#') + QString(width - filled, u'.') + u"] "_s + text;
-    write(stderr, line.toUtf8() + "\033[K");
+    m_remaining.addConverted(seconds, m_clock());
+    draw();
 }
 
-void ProgressDisplay::writeLine(double percent)
+void ProgressDisplay::tick()
 {
-    const int tenth = static_cast<int>(percent / 10);
-    if (tenth <= m_tenth) return;
+    m_remaining.tick(m_clock());
+    if (!m_remaining.text().isEmpty()) draw();
+}
+
+void ProgressDisplay::draw()
+{
+    if (m_style == ProgressStyle::bar) drawBar();
+    if (m_style == ProgressStyle::lines) writeLines();
+}
+
+// The bar stands where its number does, which may be a second old.
+void ProgressDisplay::drawBar()
+{
+    const bool isTold = !m_remaining.text().isEmpty();
+    if (!isTold || m_remaining.text() != m_text) m_percent = m_remaining.percent();
+    m_text = m_remaining.text();
+    const QString text = isTold ? m_text : m_remaining.done();
+    const int width = lineWidth();
+    const bool hasBar = m_remaining.converted() <= 0;
+    const QString line = hasBar ? barLine(m_percent, text, width) : text.left(width);
+    write(stderr, '\r' + line.toUtf8() + "\033[K");
+}
+
+void ProgressDisplay::writeLines()
+{
+    const int tenth = static_cast<int>(m_remaining.percent() / 10);
+    const int minute = static_cast<int>(m_remaining.converted() / 60);
+    if (tenth > m_tenth) writeLine(u"%1 %"_s.arg(tenth * 10));
+    if (minute > m_minute) writeLine(m_remaining.done());
+    if (m_remaining.isStalled() && !m_stalled) writeLine(m_remaining.text());
     m_tenth = tenth;
-    write(stderr, u"%1 %\n"_s.arg(tenth * 10).toUtf8());
+    m_minute = minute;
+    m_stalled = m_remaining.isStalled();
+}
+
+void ProgressDisplay::writeLine(const QString &text)
+{
+    write(stderr, text.toUtf8() + '\n');
 }
 
 void ProgressDisplay::finish()

@@ -68,7 +68,9 @@ public:
     // Empty as long as nothing can be told.
     const QString &text() const { return m_text; }
 
-    // What is believed, which may be ahead of the text by a second.
+    // What is believed, which may be ahead of the text by a second; done() says it: "42 %", or
+    // "00:03:12 converted".
+    QString done() const;
     double percent() const { return m_percent.value(); }
     double converted() const { return m_converted.value(); } // seconds
 

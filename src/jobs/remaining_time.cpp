@@ -149,15 +149,18 @@ void RemainingTime::tell(Time elapsed)
     m_changed = elapsed;
 }
 
+QString RemainingTime::done() const
+{
+    if (m_converted.value() > 0) return clockText(m_converted.value()) + u" converted"_s;
+    return QString::number(static_cast<int>(m_percent.value())) + u" %"_s;
+}
+
 QString RemainingTime::textAt(Time elapsed)
 {
     const double percent = m_percent.value();
     const double left = m_end ? *m_end - secondsOf(elapsed) : longestToTell;
     QStringList parts;
-    if (m_converted.value() > 0)
-        parts += clockText(m_converted.value()) + u" converted"_s;
-    else if (percent > 0)
-        parts += QString::number(static_cast<int>(percent)) + u" %"_s;
+    if (percent > 0 || m_converted.value() > 0) parts += done();
     if (percent >= 100 || (percent >= lastPercent && (m_stalled || left <= shortestToTell))) {
         parts += u"finishing"_s;
     } else if (m_stalled) {

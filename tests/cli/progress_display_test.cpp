@@ -5,6 +5,7 @@
 #include <cmath>
 #include <cstdlib>
 #include <fcntl.h>
+#include <sys/ioctl.h>
 
 using namespace Qt::StringLiterals;
 using namespace tessaly;
@@ -17,55 +18,184 @@ class ProgressDisplayTest : public tessaly::test::TestCase
 private Q_SLOTS:
     void shows_data();
     void shows();
-    void theBarNamesTheTimeThatIsLeft();
+    void theBarTells_data();
+    void theBarTells();
+    void oneLineStaysOneLine_data();
+    void oneLineStaysOneLine();
     void finishing_data();
     void finishing();
-    void theStyleFollowsStandardError();
+    void theStyleFollowsTheTerminal_data();
+    void theStyleFollowsTheTerminal();
 };
+
+// A reading (percent, or seconds of the film) at a time, or none.
+struct Step
+{
+    int second = 0;
+    std::optional<double> percent;
+    std::optional<double> converted;
+};
+
+QByteArray writtenIn(ProgressStyle style, const QList<Step> &steps)
+{
+    return writtenTo(STDERR_FILENO, [&] {
+        std::chrono::seconds now(0);
+        ProgressDisplay display(style, [&now] { return now; });
+        for (const Step &step : steps) {
+            now = std::chrono::seconds(step.second);
+            if (step.percent) display.show(*step.percent);
+            if (step.converted) display.showConverted(*step.converted);
+            if (!step.percent && !step.converted) display.tick();
+        }
+    });
+}
+
+// All of them in the first second.
+QList<Step> percents(const QList<double> &readings)
+{
+    QList<Step> steps;
+    for (const double percent : readings)
+        steps += Step{0, percent, {}};
+    return steps;
+}
+
+// A percent a second.
+QList<Step> evenly(int seconds)
+{
+    QList<Step> steps;
+    for (int second = 1; second <= seconds; ++second)
+        steps += Step{second, second, {}};
+    return steps;
+}
+
+QByteArray bar(int filled, int length = 30)
+{
+    return "\r[" + QByteArray(filled, '#') + QByteArray(length - filled, '.') + "] ";
+}
+
+// The last of several lines that are written over each other.
+QByteArray lastLine(const QByteArray &written)
+{
+    return written.mid(written.lastIndexOf('\r'));
+}
+
+// A terminal of this many columns in the place of standard error; returns what the run wrote.
+QByteArray shownOnTerminal(unsigned short columns, const std::function<void()> &run)
+{
+    const int terminal = ::posix_openpt(O_RDWR | O_NOCTTY);
+    if (terminal < 0 || ::grantpt(terminal) != 0 || ::unlockpt(terminal) != 0) return "no terminal";
+    const int screen = ::open(::ptsname(terminal), O_RDWR | O_NOCTTY);
+    const winsize size{24, columns, 0, 0};
+    ::ioctl(terminal, TIOCSWINSZ, &size);
+    const QByteArray written = writtenTo(STDERR_FILENO, [&] {
+        ::dup2(screen, STDERR_FILENO);
+        run();
+    });
+    ::close(screen);
+    QByteArray shown;
+    char piece[4096];
+    ssize_t count = 0;
+    while ((count = ::read(terminal, piece, sizeof piece)) > 0) // until nobody has it open
+        shown.append(piece, count);
+    ::close(terminal);
+    return written + shown;
+}
 
 void ProgressDisplayTest::shows_data()
 {
     QTest::addColumn<ProgressStyle>("style");
-    QTest::addColumn<QList<double>>("readings");
+    QTest::addColumn<QList<Step>>("steps");
     QTest::addColumn<QByteArray>("written");
-    const auto row = [](const char *name, ProgressStyle style, const QList<double> &readings,
-                        const QByteArray &written) { QTest::newRow(name) << style << readings << written; };
-    row("bar at its start", ProgressStyle::bar, {0}, "\r[" + QByteArray(30, '.') + "] 0 %\033[K");
-    row("bar below its first step", ProgressStyle::bar, {3.3}, "\r[" + QByteArray(30, '.') + "] 3 %\033[K");
-    row("bar half way", ProgressStyle::bar, {50},
-        "\r[" + QByteArray(15, '#') + QByteArray(15, '.') + "] 50 %\033[K");
-    row("full bar", ProgressStyle::bar, {100}, "\r[" + QByteArray(30, '#') + "] 100 %\033[K");
-    row("no bar beyond its end", ProgressStyle::bar, {250}, "\r[" + QByteArray(30, '#') + "] 100 %\033[K");
-    row("no bar before its start", ProgressStyle::bar, {-5}, "\r[" + QByteArray(30, '.') + "] 0 %\033[K");
-    row("no bar for what is no number", ProgressStyle::bar, {std::nan(""), HUGE_VAL}, {});
-    row("one line for every tenth", ProgressStyle::lines, {5, 10, 19.9, 20, 75, 75}, "10 %\n20 %\n70 %\n");
-    row("no line before the start", ProgressStyle::lines, {-50, 0}, {});
-    row("no line beyond the end", ProgressStyle::lines, {300, 400}, "100 %\n");
-    row("quiet", ProgressStyle::none, {10, 50}, {});
+    const auto row = [](const char *name, ProgressStyle style, const QList<Step> &steps,
+                        const QByteArray &written) { QTest::newRow(name) << style << steps << written; };
+    const QByteArray end = "\033[K";
+    row("bar at its start", ProgressStyle::bar, percents({0}), bar(0) + "0 %" + end);
+    row("bar below its first step", ProgressStyle::bar, percents({3.3}), bar(0) + "3 %" + end);
+    row("bar half way", ProgressStyle::bar, percents({50, 50}),
+        bar(0) + "0 %" + end + bar(15) + "50 %" + end);
+    row("full bar", ProgressStyle::bar, percents({104, 104}), bar(0) + "0 %" + end + bar(30) + "100 %" + end);
+    row("no bar beyond its end", ProgressStyle::bar, percents({250, 250}),
+        (bar(0) + "0 %" + end).repeated(2));
+    row("no bar before its start", ProgressStyle::bar, percents({-5}), bar(0) + "0 %" + end);
+    row("no bar for what is no number", ProgressStyle::bar, percents({std::nan(""), HUGE_VAL}), {});
+    row("no bar for a second in which nothing came", ProgressStyle::bar, {{1, {}, {}}}, {});
+    row("one line for every tenth", ProgressStyle::lines, percents({5, 10, 19.9, 20, 75, 75}),
+        "10 %\n20 %\n70 %\n");
+    row("a header's time stamp does not silence it", ProgressStyle::lines, percents({100, 5, 12, 21}),
+        "10 %\n20 %\n");
+    row("no line before the start", ProgressStyle::lines, percents({-50, 0}), {});
+    row("no line beyond the end", ProgressStyle::lines, percents({300, 400}), {});
+    row("one line for every stall", ProgressStyle::lines,
+        evenly(15) + QList<Step>{{24, {}, {}}, {25, {}, {}}, {26, {}, {}}, {27, 16, {}}, {37, {}, {}}},
+        "10 %\n15 % - no progress for 10 s\n16 % - no progress for 10 s\n");
+    row("one line for every minute", ProgressStyle::lines,
+        {{1, {}, 50}, {2, {}, 59.9}, {3, {}, 61}, {4, {}, 90}, {5, {}, 130}, {15, {}, {}}},
+        "00:01:01 converted\n00:02:10 converted\n00:02:10 converted - no progress for 10 s\n");
+    row("quiet", ProgressStyle::none, evenly(20) + QList<Step>{{40, {}, {}}}, {});
 }
 
 void ProgressDisplayTest::shows()
 {
     QFETCH(ProgressStyle, style);
-    QFETCH(QList<double>, readings);
-    const QByteArray written = writtenTo(STDERR_FILENO, [&] {
-        ProgressDisplay display(style);
-        for (const double percent : readings)
-            display.show(percent);
-    });
-    QTEST(written, "written");
+    QFETCH(QList<Step>, steps);
+    QTEST(writtenIn(style, steps), "written");
 }
 
-void ProgressDisplayTest::theBarNamesTheTimeThatIsLeft()
+void ProgressDisplayTest::theBarTells_data()
 {
-    const QByteArray written = writtenTo(STDERR_FILENO, [] {
-        ProgressDisplay display(ProgressStyle::bar);
-        QElapsedTimer time;
-        time.start();
-        QTRY_VERIFY((display.show(20), time.hasExpired(2100))); // before, no time can be told
+    QTest::addColumn<QList<Step>>("steps");
+    QTest::addColumn<QByteArray>("line");
+    QTest::newRow("the time that is left") << evenly(20) << bar(6) + "20 % - about 1 minute left\033[K";
+    QTest::newRow("a stall") << evenly(20) + QList<Step>{{32, {}, {}}}
+                             << bar(6) + "20 % - no progress for 12 s\033[K";
+    QTest::newRow("a stall before the start")
+        << QList<Step>{{12, {}, {}}} << bar(0) + "no progress for 12 s\033[K";
+    QTest::newRow("the end") << evenly(100) << bar(30) + "100 % - finishing\033[K";
+    QTest::newRow("where its number stands, which changes once a second")
+        << evenly(20) + QList<Step>{{20, 24, {}}} << bar(6) + "20 % - about 1 minute left\033[K";
+    QTest::newRow("what is converted, without a duration")
+        << QList<Step>{{1, {}, 30}, {2, {}, 60}, {3, {}, 90}} << QByteArray("\r00:01:30 converted\033[K");
+}
+
+void ProgressDisplayTest::theBarTells()
+{
+    QFETCH(QList<Step>, steps);
+    QTEST(lastLine(writtenIn(ProgressStyle::bar, steps)), "line");
+}
+
+// The last column stays free: a full line may wrap.
+void ProgressDisplayTest::oneLineStaysOneLine_data()
+{
+    QTest::addColumn<unsigned short>("columns");
+    QTest::addColumn<QByteArray>("line");
+    const auto row = [](unsigned short columns, const QByteArray &line) {
+        QTest::addRow("%d columns", columns) << columns << line;
+    };
+    row(0, bar(6) + "20 % - about 1 minute left"); // not known
+    row(60, bar(6) + "20 % - about 1 minute left");
+    row(59, bar(5, 29) + "20 % - about 1 minute left");
+    row(40, bar(2, 10) + "20 % - about 1 minute left");
+    row(39, "\r20 % - about 1 minute left");
+    row(27, "\r20 % - about 1 minute left");
+    row(26, bar(3, 18) + "20 %");
+    row(20, bar(2, 12) + "20 %");
+    row(17, "\r20 %");
+    row(3, "\r20");
+    row(1, "\r");
+}
+
+void ProgressDisplayTest::oneLineStaysOneLine()
+{
+    QFETCH(unsigned short, columns);
+    QFETCH(QByteArray, line);
+    const QByteArray shown = shownOnTerminal(columns, [] {
+        std::chrono::seconds now(8);
+        ProgressDisplay display(ProgressStyle::bar, [&now] { return now; });
+        display.show(10);
+        now *= 2;
+        display.show(20);
     });
-    QVERIFY2(written.contains(" % - about ") && written.endsWith(" left\033[K"),
-             written.right(200).constData());
+    QCOMPARE(lastLine(shown), line + "\033[K");
 }
 
 void ProgressDisplayTest::finishing_data()
@@ -83,25 +213,31 @@ void ProgressDisplayTest::finishing()
     QTEST(writtenTo(STDERR_FILENO, [&] { ProgressDisplay(style).finish(); }), "written");
 }
 
-void ProgressDisplayTest::theStyleFollowsStandardError()
+void ProgressDisplayTest::theStyleFollowsTheTerminal_data()
 {
-    const int terminal = ::posix_openpt(O_RDWR | O_NOCTTY);
-    QVERIFY(terminal >= 0 && ::grantpt(terminal) == 0 && ::unlockpt(terminal) == 0);
-    const int screen = ::open(::ptsname(terminal), O_RDWR | O_NOCTTY);
-    QVERIFY(screen >= 0);
+    QTest::addColumn<QByteArray>("terminal");
+    QTest::addColumn<ProgressStyle>("style");
+    QTest::newRow("one that writes over lines") << QByteArray("xterm") << ProgressStyle::bar;
+    QTest::newRow("a dumb one") << QByteArray("dumb") << ProgressStyle::lines;
+    QTest::newRow("one without a name") << QByteArray("") << ProgressStyle::lines;
+}
+
+void ProgressDisplayTest::theStyleFollowsTheTerminal()
+{
+    QFETCH(QByteArray, terminal);
+    const QByteArray before = qgetenv("TERM");
+    qputenv("TERM", terminal);
     ProgressStyle plain{};
     ProgressStyle shown{};
     ProgressStyle quiet{};
-    writtenTo(STDERR_FILENO, [&] {
-        plain = progressStyle(false);
-        ::dup2(screen, STDERR_FILENO);
+    writtenTo(STDERR_FILENO, [&] { plain = progressStyle(false); });
+    shownOnTerminal(80, [&] {
         shown = progressStyle(false);
         quiet = progressStyle(true);
     });
-    ::close(screen);
-    ::close(terminal);
+    qputenv("TERM", before);
     QCOMPARE(plain, ProgressStyle::lines);
-    QCOMPARE(shown, ProgressStyle::bar);
+    QTEST(shown, "style");
     QCOMPARE(quiet, ProgressStyle::none);
 }
 

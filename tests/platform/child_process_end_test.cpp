@@ -17,7 +17,7 @@ namespace tessaly::test {
 namespace {
 
 const QString tool = u"creator"_s;
-constexpr qint64 patience = 10000; // milliseconds
+constexpr int patience = 30000; // milliseconds that a step may take on a busy machine
 
 } // namespace
 
@@ -69,26 +69,44 @@ private Q_SLOTS:
         QVERIFY(runToEnd(tools.path(tool), {}).succeeded());
     }
 
-    void noChildOutlivesTheApplication_data()
+    void toldToQuitWhileTheMainThreadWaits()
     {
-        QTest::addColumn<QString>("mode");
-        QTest::newRow("told to quit while the main thread waits") << u"quit-during"_s;
-        QTest::newRow("main() is left while a pool thread waits") << u"end-with-pool"_s;
-    }
-
-    void noChildOutlivesTheApplication()
-    {
-        QFETCH(QString, mode);
         FakeTools tools;
         tools.setSteps(tool, {{u"ignore-terminate"_s}, {u"hang"_s}});
         QProcess application;
-        application.start(QStringLiteral(TESSALY_PLATFORM_HELPER), {mode, tools.path(tool)});
+        application.start(QStringLiteral(TESSALY_PLATFORM_HELPER), {u"quit-during"_s, tools.path(tool)});
         QVERIFY(application.waitForFinished(patience));
         QCOMPARE(application.exitStatus(), QProcess::NormalExit);
         QCOMPARE(application.exitCode(), 0);
         QCOMPARE(tools.calls(tool).size(), 1);
         QVERIFY(tools.runningProcesses(tool).isEmpty());
         QCOMPARE(application.readAllStandardError(), QByteArray());
+    }
+
+    void noChildOutlivesTheProgram_data()
+    {
+        QTest::addColumn<QString>("way");
+        QTest::addColumn<QString>("reading");
+        for (const QString &way : {u"return"_s, u"exit"_s, u"kill"_s}) {
+            for (const QString &reading : {u"nothing"_s, u"output"_s, u"errors"_s})
+                QTest::addRow("%s, reading %s", qPrintable(way), qPrintable(reading)) << way << reading;
+        }
+    }
+
+    void noChildOutlivesTheProgram()
+    {
+        QFETCH(QString, way);
+        QFETCH(QString, reading);
+        FakeTools tools;
+        tools.setSteps(tool, {{u"ignore-terminate"_s}, {u"hang"_s}});
+        QProcess program;
+        program.start(QStringLiteral(TESSALY_PLATFORM_HELPER),
+                      {u"die-during"_s, way, reading, tools.path(tool)});
+        QVERIFY(program.waitForFinished(patience));
+        QCOMPARE(program.exitStatus(), way == u"kill" ? QProcess::CrashExit : QProcess::NormalExit);
+        QCOMPARE(program.readAllStandardError(), QByteArray());
+        QCOMPARE(tools.calls(tool).size(), 1);
+        QTRY_COMPARE_WITH_TIMEOUT(tools.runningProcesses(tool), QList<qint64>(), patience);
     }
 };
 

@@ -3,6 +3,7 @@
 #include "support/fake_tools.h"
 #include "support/test_case.h"
 
+#include <QDir>
 #include <QFile>
 #include <QProcess>
 #include <csignal>
@@ -12,6 +13,7 @@ using End = tessaly::ProcessOutcome::End;
 using Steps = QList<QStringList>;
 
 Q_DECLARE_METATYPE(tessaly::ProcessOutcome::End)
+Q_DECLARE_METATYPE(tessaly::Reading)
 
 namespace tessaly::test {
 
@@ -74,7 +76,7 @@ private Q_SLOTS:
                 u"The program \"%1\" cannot be run on this computer (No such file or directory)."_s);
         addRows("no name", u"no name"_s, u"A program is missing."_s);
         addRows("a name that only the search path knows", u"search path"_s,
-                u"The program \"true\" is missing."_s);
+                u"The program \"%1\" is missing."_s.arg(QDir::current().filePath(u"true"_s)));
     }
 
     void cannotStart()
@@ -167,6 +169,54 @@ private Q_SLOTS:
         QCOMPARE(helper.exitCode(), 0);
         QCOMPARE(helper.readAllStandardOutput(), output);
         QCOMPARE(helper.readAllStandardError(), "trouble"_ba);
+    }
+
+    void howAChildStandsToThisProgram_data()
+    {
+        QTest::addColumn<Reading>("reading");
+        QTest::newRow("nothing is read") << Reading::nothing;
+        QTest::newRow("standard output is read") << Reading::standardOutput;
+        QTest::newRow("standard error is read") << Reading::standardError;
+    }
+
+    void howAChildStandsToThisProgram()
+    {
+        QFETCH(Reading, reading);
+        FakeTools tools;
+        const QString notes = tools.path(u"notes"_s);
+        tools.setBehaviour(tool, u"note-treatment"_s, {notes});
+        const auto formerTreatment = std::signal(SIGPIPE, SIG_IGN);
+        sigset_t blocked;
+        sigset_t before;
+        ::sigemptyset(&blocked);
+        ::sigaddset(&blocked, SIGTERM);
+        ::pthread_sigmask(SIG_BLOCK, &blocked, &before);
+        const ProcessOutcome outcome = ChildProcess().run(tools.path(tool), {}, reading);
+        ::pthread_sigmask(SIG_SETMASK, &before, nullptr);
+        std::signal(SIGPIPE, formerTreatment);
+
+        QVERIFY(outcome.succeeded());
+        QFile file(notes);
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        QCOMPARE(file.readAll(),
+                 "a group of its own\nSigBlk:\t0000000000000000\nSigIgn:\t0000000000000000\n"_ba);
+    }
+
+    // Nothing hangs where the system is out of descriptors, however few are missing.
+    void withoutDescriptors()
+    {
+        FakeTools tools;
+        tools.setBehaviour(tool, u"print"_s, {u"run"_s});
+        QProcess helper;
+        helper.start(QStringLiteral(TESSALY_PLATFORM_HELPER), {u"starve"_s, tools.path(tool)});
+        QVERIFY(helper.waitForFinished(20000));
+        QCOMPARE(helper.exitCode(), 0);
+        QByteArrayList ends = helper.readAllStandardOutput().trimmed().split('\n');
+        QCOMPARE(ends.takeLast(), "run"_ba);
+        QVERIFY(ends.size() > 2);
+        const QString failure = u"The program \"%1\" cannot be run on this computer"_s.arg(tools.path(tool));
+        for (const QByteArray &end : ends)
+            QVERIFY2(end.startsWith(failure.toUtf8()), end.constData());
     }
 };
 

@@ -173,7 +173,7 @@ private Q_SLOTS:
         tools.setSteps(tool, steps);
         const QString path = place.filePath(u"output"_s);
         QFile::remove(path);
-        runToEnd(tools.path(tool), {u"-i"_s, u"in"_s, path});
+        (void)runToEnd(tools.path(tool), {u"-i"_s, u"in"_s, path});
         QCOMPARE(contents(path), bytes);
     }
 
@@ -193,8 +193,8 @@ private Q_SLOTS:
     {
         FakeTools tools;
         QVERIFY(tools.calls(tool).isEmpty());
-        runToEnd(tools.path(tool), {});
-        runToEnd(tools.path(tool), {u""_s, u"a\nb"_s, u"3"_s});
+        (void)runToEnd(tools.path(tool), {});
+        (void)runToEnd(tools.path(tool), {u""_s, u"a\nb"_s, u"3"_s});
         QCOMPARE(tools.calls(tool), (Steps{{}, {u""_s, u"a\nb"_s, u"3"_s}}));
         QVERIFY(tools.calls(u"sniffer"_s).isEmpty());
         tools.forgetCalls(tool);

@@ -1,8 +1,12 @@
 // A second copy of the program, for what only another process can show:
 //   run PROGRAM ARGUMENT…     runs it to its end with this process's own channels
 //   capture PROGRAM ARGUMENT… the same, but prints what was captured, in brackets
-//   end-with-pool PROGRAM     leaves main() while a pool thread still runs it
 //   quit-during PROGRAM       quits the application while the main thread runs it
+//   die-during WAY READING PROGRAM
+//                             dies while a pool thread runs it: by return from main(), exit without any
+//                             clearing up, or kill; reading nothing, output or errors of it
+//   starve PROGRAM            runs it with 0, 1, 2, ... descriptors left to the process, until it can be run;
+//                             prints each end on a line
 //   hold-workspace            prints the temporary folder and stays until standard input ends
 //   clear-workspaces          does what a launch does and prints the temporary folder
 // Exit 0 when the run succeeded; else 1.
@@ -13,7 +17,10 @@
 #include <QCoreApplication>
 #include <QFileInfo>
 #include <QTimer>
+#include <csignal>
 #include <cstdio>
+#include <sys/resource.h>
+#include <unistd.h>
 
 using namespace Qt::StringLiterals;
 
@@ -44,11 +51,33 @@ void waitForStart(const QString &program)
     loop.exec();
 }
 
-int endWithPool(const QString &program)
+int dieDuring(const QString &way, const QString &reading, const QString &program)
 {
-    asyncOnGlobalQueue([program] { runToEnd(program, {}); });
+    const Reading what = reading == "output"_L1   ? Reading::standardOutput
+                         : reading == "errors"_L1 ? Reading::standardError
+                                                  : Reading::nothing;
+    asyncOnGlobalQueue([=] { (void)ChildProcess().run(program, {}, what); });
     waitForStart(program);
+    if (way == "kill"_L1) std::raise(SIGKILL);
+    if (way == "exit"_L1) std::_Exit(0);
     return 0;
+}
+
+int starve(const QString &program)
+{
+    const int next = ::dup(STDIN_FILENO);
+    ::close(next);
+    rlimit limit{};
+    ::getrlimit(RLIMIT_NOFILE, &limit);
+    for (int left = 0; left < 20; ++left) {
+        limit.rlim_cur = static_cast<rlim_t>(next + left);
+        ::setrlimit(RLIMIT_NOFILE, &limit);
+        const CapturedRun run = runCapturingOutput(program, {});
+        const bool failed = run.outcome.end == ProcessOutcome::End::failedToStart;
+        say((failed ? run.outcome.failure.toUtf8() : run.output) + '\n');
+        if (!failed) return 0;
+    }
+    return 1;
 }
 
 int quitDuring(QCoreApplication &application, const QString &program)
@@ -87,8 +116,9 @@ int main(int count, char *words[])
         sayFolder();
         return 0;
     }
+    if (mode == "die-during"_L1) return dieDuring(arguments.at(0), arguments.at(1), arguments.at(2));
     const QString program = arguments.takeFirst();
-    if (mode == "end-with-pool"_L1) return endWithPool(program);
+    if (mode == "starve"_L1) return starve(program);
     if (mode == "quit-during"_L1) return quitDuring(application, program);
     if (mode == "run"_L1) return runToEnd(program, arguments).succeeded() ? 0 : 1;
     const CapturedRun run = runCapturingOutput(program, arguments);

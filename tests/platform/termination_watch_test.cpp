@@ -1,8 +1,11 @@
 #include "platform/termination_watch.h"
 #include "support/test_case.h"
 
+#include <array>
 #include <atomic>
+#include <cerrno>
 #include <csignal>
+#include <unistd.h>
 
 using namespace tessaly;
 
@@ -37,6 +40,7 @@ private Q_SLOTS:
         QTest::newRow("terminate") << SIGTERM;
         QTest::newRow("interrupt") << SIGINT;
         QTest::newRow("hang up") << SIGHUP;
+        QTest::newRow("quit") << SIGQUIT;
     }
     void hearsEverySignal()
     {
@@ -68,6 +72,18 @@ private Q_SLOTS:
         const TerminationWatch watch([] {});
         std::raise(signal);
         QVERIFY(!TerminationWatch::wasAsked());
+    }
+
+    void writingFailsWhereNobodyReadsAnyMore()
+    {
+        const Treatment former(SIGPIPE, SIG_DFL);
+        outliveReaders();
+        std::array<int, 2> ends{};
+        QCOMPARE(::pipe(ends.data()), 0);
+        ::close(ends[0]);
+        QCOMPARE(::write(ends[1], "x", 1), -1);
+        QCOMPARE(errno, EPIPE);
+        ::close(ends[1]);
     }
 };
 

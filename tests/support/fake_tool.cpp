@@ -143,6 +143,12 @@ void writeOutput(const std::string &bytes)
     if (!file.flush()) refuse("cannot write " + output());
 }
 
+// The same, but stays open.
+void holdOutput(const std::string &bytes)
+{
+    send(open(output().c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644), bytes);
+}
+
 volatile std::sig_atomic_t terminated = 0;
 
 void slowFlush(const std::string &milliseconds, const std::string &status)
@@ -173,12 +179,27 @@ std::string standardInput()
 }
 
 // Leaves a process behind that keeps the standard channels open.
-void leaveBehind(const std::string &milliseconds)
+void leaveBehind(const std::string &milliseconds, const std::string &lastWords)
 {
-    if (fork() != 0) return;
-    append(self + ".pids", std::to_string(getpid()) + '\n');
+    const pid_t parent = getpid();
+    const pid_t left = fork();
+    if (left != 0) return append(self + ".pids", std::to_string(left) + '\n');
+    while (!lastWords.empty() && getppid() == parent)
+        pauseFor("5");
     pauseFor(milliseconds);
+    send(STDOUT_FILENO, lastWords);
     std::_Exit(0);
+}
+
+// How this process stands to its parent, in words of the system.
+void noteTreatment(const std::string &path)
+{
+    std::string text = getpgrp() == getpid() ? "a group of its own\n" : "the group of another\n";
+    std::ifstream status("/proc/self/status");
+    for (std::string line; std::getline(status, line);) {
+        if (line.starts_with("SigBlk") || line.starts_with("SigIgn")) text += line + '\n';
+    }
+    append(path, text);
 }
 
 void becomeTool(const std::string &program)
@@ -231,8 +252,10 @@ const std::map<std::string, std::function<void(const Texts &)>> behaviours = {
     {"exit", [](const Texts &p) { std::_Exit(std::stoi(p.at(0))); }},
     {"fail-at-call", [](const Texts &p) { failAtCall(p.at(0), p.size() > 1 ? p[1] : "1"); }},
     {"write-output", [](const Texts &p) { writeOutput(p.at(0)); }},
+    {"hold-output", [](const Texts &p) { holdOutput(p.at(0)); }},
     {"copy-to-output", [](const Texts &p) { writeOutput(contents(p.at(0))); }},
-    {"leave-behind", [](const Texts &p) { leaveBehind(p.at(0)); }},
+    {"leave-behind", [](const Texts &p) { leaveBehind(p.at(0), p.size() > 1 ? p[1] : ""); }},
+    {"note-treatment", [](const Texts &p) { noteTreatment(p.at(0)); }},
     {"become", [](const Texts &p) { becomeTool(p.at(0)); }},
 };
 

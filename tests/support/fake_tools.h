@@ -16,7 +16,11 @@
 //   exit STATUS
 //   fail-at-call N [STATUS]               exits (1) when this is the Nth call, goes on otherwise
 //   write-output TEXT, copy-to-output FILE
-//   leave-behind MILLISECONDS             leaves a process that keeps the standard channels open so long
+//   hold-output TEXT                      writes it and keeps the file open
+//   leave-behind MILLISECONDS [TEXT]      leaves a process that keeps the standard channels open so long; with
+//                                         a text: so long from the tool's end on, then it prints that
+//   note-treatment FILE                   appends whether its process group is its own, and from /proc which
+//                                         signals it blocks and ignores
 //   become PROGRAM                        goes on as this program, with the same arguments
 // After the last step it exits with 0. A wrong step ends it with 99 and a line on standard error.
 #pragma once

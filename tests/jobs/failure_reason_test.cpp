@@ -119,7 +119,7 @@ void TestFailureReason::saysWhyInPlainWords_data()
         u"A video of 177 x 100 cannot be made: choose an even size, such as 178 x 100."_s);
     row("5.1-tiny", 320, 180, u"ffmpeg cannot decode this video."_s);
     row("5.1-covers", 320, 180,
-        u"The converter said: Could not write header for output file #0 (incorrect codec parameters ?): Invalid argument"_s);
+        u"ffmpeg said: Could not write header for output file #0 (incorrect codec parameters ?): Invalid argument"_s);
 }
 
 void TestFailureReason::saysWhyInPlainWords()
@@ -127,7 +127,7 @@ void TestFailureReason::saysWhyInPlainWords()
     QFETCH(QByteArray, text);
     QFETCH(ResizeTarget, target);
     QVERIFY(!text.isEmpty());
-    JobEnd end = endedWith(1, text);
+    EndedJob end = endedWith(1, text);
     end.target = target;
     const auto failure = failureOfJob(end, FileProbe());
     QVERIFY(failure);
@@ -206,10 +206,10 @@ void TestFailureReason::readsOtherWords_data()
     row("encoder refuses an odd size without saying so",
         "Error while opening encoder for output stream #0:0 - maybe incorrect parameters such as bit_rate, "
         "rate, width or height\n",
-        u"The converter said: Error while opening encoder for output stream #0:0 - maybe incorrect parameters such as bit_rate, rate, width or height"_s);
+        u"ffmpeg said: Error while opening encoder for output stream #0:0 - maybe incorrect parameters such as bit_rate, rate, width or height"_s);
     row("a broken picture size while decoding",
         "[h264 @ 0x55d0c3c0] [IMGUTILS @ 0x7ffc0] Picture size 73728x0 is invalid\n",
-        u"The converter said: Picture size 73728x0 is invalid"_s);
+        u"ffmpeg said: Picture size 73728x0 is invalid"_s);
     row("larger than the encoder can do",
         "[libx264 @ 0x55d0c3c0] invalid width x height (16386x2)\nError initializing output stream 0:0 -- "
         "Error while opening encoder for output stream #0:0\n",
@@ -223,15 +223,15 @@ void TestFailureReason::readsOtherWords_data()
         "frame=    1 fps=0.0 q=0.0 size=       0kB time=00:00:00.04\r[mp4 @ 0x55d0c3c0] The moon is in the "
         "way\n[libx264 @ 0x55d0c3c0] frame I:1     Avg QP:19.80\n[aac @ 0x55d0c3c0] Qavg: 1\nConversion "
         "failed!\n",
-        u"The converter said: The moon is in the way"_s);
-    row("nothing", "", u"The converter ended with error 1 and said nothing."_s);
+        u"ffmpeg said: The moon is in the way"_s);
+    row("nothing", "", u"ffmpeg ended with error 1 and said nothing."_s);
     row("nothing but what it read",
         "ffmpeg version 5.1.9\n  built with gcc\nInput #0, mov, from '/videos/a.mov':\n  Duration: "
         "00:00:02.00\n"
         "Stream mapping:\n  Stream #0:0 -> #0:0\nPress [q] to stop, [?] for help\n",
-        u"The converter ended with error 1 and said nothing."_s);
+        u"ffmpeg ended with error 1 and said nothing."_s);
     row("nothing but progress", "frame=    1 fps=0.0 q=0.0 size=       0kB time=00:00:00.04\r\n",
-        u"The converter ended with error 1 and said nothing."_s);
+        u"ffmpeg ended with error 1 and said nothing."_s);
 }
 
 void TestFailureReason::readsOtherWords()
@@ -263,10 +263,10 @@ void TestFailureReason::isNotMisledByNames()
                          "Output #0, mp4, to '/videos/saved/%1':\n"
                          "[out#0/mp4 @ 0x55d0c3c0] Error opening output /videos/saved/%1: Something else\n"
                          "Error opening output file /videos/saved/%1.\n"_s.arg(name);
-    JobEnd end = endedWith(1, text.toUtf8());
+    EndedJob end = endedWith(1, text.toUtf8());
     end.target.path = u"/videos/saved/"_s + name;
     QCOMPARE(failureOfJob(end, FileProbe()).value().sentence,
-             u"The converter said: Error opening output /videos/saved/%1: Something else"_s.arg(name));
+             u"ffmpeg said: Error opening output /videos/saved/%1: Something else"_s.arg(name));
 }
 
 void TestFailureReason::suggestsAnEvenSize_data()
@@ -283,7 +283,7 @@ void TestFailureReason::suggestsAnEvenSize_data()
 // Both wrong: an even size alone would not help.
 void TestFailureReason::saysThatAnOddSizeIsTooLarge()
 {
-    JobEnd end =
+    EndedJob end =
         endedWith(1, "[libx264 @ 0x55d0c3c0] [IMGUTILS @ 0x7ffc0] Picture size 20001x20001 is invalid\n"
                      "Error initializing output stream 0:0 -- Error while opening encoder for output\n");
     end.target.width = end.target.height = 20001;
@@ -301,7 +301,7 @@ void TestFailureReason::suggestsAnEvenSize()
          {"Error initializing output stream 0:0 -- Error while opening encoder for output stream #0:0 - "
           "maybe incorrect parameters\n",
           "[vost#0:0/h264 @ 0x55d0c3c0] Error while opening encoder - maybe incorrect parameters\n"}) {
-        JobEnd end = endedWith(1, text);
+        EndedJob end = endedWith(1, text);
         end.target.width = width;
         end.target.height = height;
         const QString sentence = failureOfJob(end, FileProbe()).value().sentence;
@@ -312,24 +312,24 @@ void TestFailureReason::suggestsAnEvenSize()
 
 void TestFailureReason::blamesAnOddSizeOnlyWhenTheEncoderGaveUp()
 {
-    JobEnd end = endedWith(1, "The moon is in the way\n");
+    EndedJob end = endedWith(1, "The moon is in the way\n");
     end.target.width = 321;
     QCOMPARE(failureOfJob(end, FileProbe()).value().sentence,
-             u"The converter said: The moon is in the way"_s);
+             u"ffmpeg said: The moon is in the way"_s);
 }
 
 // To the converter they mean other things than a size.
 void TestFailureReason::leavesNegativeSidesToTheConverter()
 {
-    JobEnd end = endedWith(1, "Error while opening encoder for output stream #0:0\n");
+    EndedJob end = endedWith(1, "Error while opening encoder for output stream #0:0\n");
     end.target.width = -3;
     QCOMPARE(failureOfJob(end, FileProbe()).value().sentence,
-             u"The converter said: Error while opening encoder for output stream #0:0"_s);
+             u"ffmpeg said: Error while opening encoder for output stream #0:0"_s);
 }
 
 void TestFailureReason::knowsATargetWithALineBreak()
 {
-    JobEnd end = endedWith(1, "/videos/new\rline\nbreak.mp4: Permission denied\n");
+    EndedJob end = endedWith(1, "/videos/new\rline\nbreak.mp4: Permission denied\n");
     end.target.path = u"/videos/new\rline\nbreak.mp4"_s;
     QCOMPARE(failureOfJob(end, FileProbe()).value().sentence, mayNotWrite);
 }

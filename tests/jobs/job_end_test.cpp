@@ -1,60 +1,65 @@
-// Whole jobs with the real tools that come to a bad end: what is said, what is left, and that the input is
-// untouched.
-#include "jobs/converter_run.h"
-#include "jobs/failure_report.h"
-#include "jobs/output_guard.h"
-#include "jobs/resize_arguments.h"
-#include "support/fake_tools.h"
-#include "support/ordinary_user.h"
+// Whether a job failed, what is said of it, and what is to be remarked where it did not.
+#include "captured_text.h"
+#include "jobs/frame_size.h"
+#include "jobs/job_end.h"
 #include "support/test_case.h"
 
-#include <QDir>
-#include <QFile>
-#include <QTemporaryDir>
-
-#include <sys/stat.h>
-#include <unistd.h>
+#include <cmath>
+#include <csignal>
 
 using namespace tessaly;
 using namespace Qt::StringLiterals;
-using End = RunOutcome::End;
+using End = ProcessOutcome::End;
+using Target = OutputGuard::Target;
 
 namespace {
 
-const auto plain = QStringLiteral(TESSALY_MEDIA_FOLDER "/plain.mp4");
+constexpr double infinity = std::numeric_limits<double>::infinity();
 
-QByteArray contents(const QString &path)
+// Seconds; 0: not there, or not said.
+struct Lengths
 {
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("(missing)");
-}
-
-void write(const QString &path, const QByteArray &bytes)
-{
-    QFile file(path);
-    QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
-    QCOMPARE(file.write(bytes), bytes.size());
-}
-
-struct Job
-{
-    std::optional<Failure> failure;
-    FileProbe output;
+    double picture = 0;
+    double sound = 0;
+    double container = 0;
 };
 
-Job resize(const QString &input, const QString &output, qint64 width, qint64 height,
-           const ConverterRun::ChunkHandler &onChunk = {})
+QByteArray streamReport(const char *start, double length)
 {
-    const OutputGuard guard(output, input);
-    JobEnd end;
-    end.target = {output, width, height};
-    end.outcome =
-        ConverterRun().run(buildResizeArguments(FileProbe(input), input, output, width, height), onChunk);
-    end.targetTouched = guard.wasTouched();
-    Job job{{}, FileProbe(output)};
-    job.failure = failureOfJob(end, job.output);
-    if (job.failure && !guard.removeIfTouched()) job.failure->details += u"\nnot removed"_s;
-    return job;
+    return length > 0
+               ? start + QByteArray(R"("start_time":"0","duration":")") + QByteArray::number(length) + "\"}"
+               : start + QByteArray(R"("index":0})");
+}
+
+FileProbe video(const Lengths &lengths, FrameSize size = {320, 180}, int pictures = 50)
+{
+    const QByteArray picture =
+        R"({"codec_type":"video","codec_name":"h264","avg_frame_rate":"25/1","r_frame_rate":"25/1","nb_frames":")" +
+        QByteArray::number(pictures) + R"(","width":)" + QByteArray::number(size.width) + R"(,"height":)" +
+        QByteArray::number(size.height) + ',';
+    QByteArray streams = streamReport(picture.constData(), lengths.picture);
+    if (lengths.sound > 0)
+        streams += ',' + streamReport(R"({"codec_type":"audio","codec_name":"aac",)", lengths.sound);
+    FileProbe probe = FileProbe::fromReport(
+        u"/videos/saved/out.mp4"_s, R"({"format":{"format_name":"mov,mp4"},"streams":[)" + streams + "]}");
+    probe.duration = lengths.container;
+    probe.fileSize = 100000;
+    return probe;
+}
+
+FileProbe withoutVideo(quint64 bytes)
+{
+    FileProbe probe;
+    probe.fileSize = bytes;
+    return probe;
+}
+
+FileProbe unchecked(std::optional<quint64> bytes)
+{
+    FileProbe probe;
+    probe.proberFailure = u"The program \"/sniffer\" is missing."_s;
+    probe.fileSize = bytes;
+    return probe;
 }
 
 class TestJobEnd : public test::TestCase
@@ -62,186 +67,207 @@ class TestJobEnd : public test::TestCase
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase();
-    void goesWell();
-    void fails_data();
-    void fails();
-    void failsWithoutPermission();
-    void failsOnAFullDisk();
-    void failsOnADamagedInput();
-    void failsWithFakes_data();
-    void failsWithFakes();
-    void saysThatACutInputMadeAShorterVideo();
-
-private:
-    test::FakeTools tools;
+    void judgesTheConverter_data();
+    void judgesTheConverter();
+    void judgesTheFile_data();
+    void judgesTheFile();
+    void judgesTheSize_data();
+    void judgesTheSize();
+    void detailsAreTheLastLines();
+    void remarksOnDamage_data();
+    void remarksOnDamage();
+    void remarksOnTheLength_data();
+    void remarksOnTheLength();
 };
 
-void TestJobEnd::initTestCase()
+void TestJobEnd::judgesTheConverter_data()
 {
-    tools.useRealTool(u"sniffer"_s);
-    tools.useRealTool(u"creator"_s);
-}
-
-void TestJobEnd::goesWell()
-{
-    const QTemporaryDir folder;
-    const QString output = folder.filePath(u"-né %d \"w\".mp4"_s);
-    write(output, "an older video");
-    const QByteArray before = contents(plain);
-    const Job job = resize(plain, output, 320, 180);
-    QVERIFY2(!job.failure, qPrintable(job.failure ? job.failure->sentence : QString()));
-    QCOMPARE(job.output.videoWidth, 320);
-    QCOMPARE(shorterThanInput(FileProbe(plain).duration, job.output.duration), std::nullopt);
-    QVERIFY(contents(plain) == before);
-}
-
-void TestJobEnd::fails_data()
-{
-    QTest::addColumn<QString>("input");
-    QTest::addColumn<QString>("output"); // below the folder of the test
-    QTest::addColumn<qint64>("width");
-    QTest::addColumn<QString>("sentence");
-    QTest::addColumn<QByteArray>("left"); // of an older file at the target
-    const auto media = QStringLiteral(TESSALY_MEDIA_FOLDER "/");
-    const auto row = [&](const char *name, const QString &input, const QString &output, int width,
-                         const QString &sentence, const QByteArray &left) {
-        QTest::newRow(name) << input << output << qint64(width) << sentence << left;
+    QTest::addColumn<ProcessOutcome>("outcome");
+    QTest::addColumn<QByteArray>("text");
+    QTest::addColumn<QString>("beginning"); // of the sentence; empty: no failure
+    const auto row = [](const char *name, const ProcessOutcome &outcome, const char *text,
+                        const QString &beginning) {
+        QTest::newRow(name) << outcome << QByteArray(text) << beginning;
     };
-    const QByteArray old("an older video");
-    const QByteArray gone("(missing)");
-    row("odd width", plain, u"out.mp4"_s, 321,
-        u"A video of 321 x 180 cannot be made: choose an even size, such as 322 x 180."_s, gone);
-    row("too large", plain, u"out.mp4"_s, 200000,
-        u"A video of 200000 x 180 is too large to be made: choose a smaller size."_s, gone);
-    row("folder vanished", plain, u"no/such/out.mp4"_s, 320,
-        u"The folder for the new video is no longer there."_s, gone);
-    row("target is a folder", plain, u"folder.mp4"_s, 320,
-        u"The name of the new video belongs to a folder."_s, gone);
-    row("long name", plain, QString(300, u'x') + u".mp4"_s, 320, u"The name of the new video is too long."_s,
-        gone);
-    row("input vanished", media + u"none.mp4"_s, u"out.mp4"_s, 320, u"The video is no longer there."_s, old);
-    row("sound only", media + u"sound.m4a"_s, u"out.mp4"_s, 320, u"The new file holds no video."_s, gone);
+    const ProcessOutcome failed{End::exited, 69, {}};
+    row("good", {End::exited, 0, {}}, "x", {});
+    row("silent", failed, "", u"ffmpeg ended with error 69 and said nothing."_s);
+    row("something new", failed, "[mp4 @ 0x5d0] Not quite\nConversion failed!\n",
+        u"ffmpeg said: Not quite"_s);
+    row("something known", failed, "/videos/saved/out.mp4: Permission denied\n",
+        u"You do not have permission to write the new video there."_s);
+    row("a signal", {End::signalled, SIGSEGV, {}}, "x", u"ffmpeg "_s);
+    row("not started", {End::failedToStart, 0, u"ffmpeg is missing."_s}, "", u"ffmpeg is missing."_s);
 }
 
-void TestJobEnd::fails()
+// Although the file that it left is a good one.
+void TestJobEnd::judgesTheConverter()
 {
-    QFETCH(QString, input);
-    QFETCH(QString, output);
-    QFETCH(qint64, width);
-    QFETCH(QString, sentence);
-    QFETCH(QByteArray, left);
-    const QTemporaryDir folder;
-    QVERIFY(QDir(folder.path()).mkdir(u"folder.mp4"_s));
-    if (output == u"out.mp4") write(folder.filePath(output), "an older video");
-    const QByteArray before = contents(input);
-    const Job job = resize(input, folder.filePath(output), width, 180);
-    QVERIFY(job.failure);
-    QCOMPARE(job.failure->sentence, sentence);
-    QVERIFY(!job.failure->details.isEmpty());
-    QCOMPARE(contents(folder.filePath(output)), left);
-    QVERIFY(contents(input) == before);
+    QFETCH(ProcessOutcome, outcome);
+    QFETCH(QByteArray, text);
+    QFETCH(QString, beginning);
+    const ConverterEnd end{.outcome = outcome, .text = text, .target = Target::written};
+    const auto failure = failureOf(end, {u"/videos/saved/out.mp4"_s, 320, 180}, video({}));
+    QCOMPARE(failure.has_value(), !beginning.isEmpty());
+    if (failure) QVERIFY2(failure->sentence.startsWith(beginning), qPrintable(failure->sentence));
 }
 
-void TestJobEnd::failsWithoutPermission()
+void TestJobEnd::judgesTheFile_data()
 {
-    const QTemporaryDir folder;
-    const auto allow = [](const QString &path, mode_t mode) {
-        QCOMPARE(::chmod(QFile::encodeName(path).constData(), mode), 0);
+    QTest::addColumn<Target>("target");
+    QTest::addColumn<bool>("diskIsFull");
+    QTest::addColumn<FileProbe>("output");
+    QTest::addColumn<QString>("sentence"); // empty: no failure
+    const auto row = [](const char *name, Target target, bool diskIsFull, const FileProbe &output,
+                        const QString &sentence) {
+        QTest::newRow(name) << target << diskIsFull << output << sentence;
     };
-    const QString clip = folder.filePath(u"clip.mp4"_s); // the build may lie where that user cannot look
-    const QString hidden = folder.filePath(u"hidden.mp4"_s);
-    QVERIFY(QFile::copy(plain, clip) && QFile::copy(plain, hidden));
-    allow(hidden, 0);
-    allow(folder.path(), 0555);
-    allow(tools.folder(), 0755);
-    {
-        const test::OrdinaryUser user;
-        const auto unwritable = resize(clip, folder.filePath(u"out.mp4"_s), 320, 180).failure;
-        const auto unreadable = resize(hidden, folder.filePath(u"never.mp4"_s), 320, 180).failure;
-        QCOMPARE(unwritable.value().sentence, u"You do not have permission to write the new video there."_s);
-        QCOMPARE(unreadable.value().sentence, u"You do not have permission to read the video."_s);
-    }
-    allow(folder.path(), 0755);
+    const auto notWritten = u"ffmpeg ended without writing the new video."_s;
+    const auto noVideo = u"The new file holds no video."_s;
+    const auto full = u"The disk is full: there is no space left for the new video."_s;
+    row("good", Target::written, false, video({}), {});
+    row("good, on a disk that is full now", Target::written, true, video({}), {});
+    row("no file", Target::untouched, false, unchecked({}), notWritten);
+    row("an older video that was not touched", Target::untouched, false, video({}), notWritten);
+    row("another video in its place", Target::replaced, false, video({}),
+        u"The new video was moved, removed or replaced while it was written."_s);
+    row("no media file", Target::written, false, withoutVideo(100), noVideo);
+    row("half a file", Target::written, true, withoutVideo(100), full);
+    row("an empty file", Target::written, false, withoutVideo(0), noVideo);
+    row("not checked", Target::written, false, unchecked(100), {});
+    row("not checked, but empty", Target::written, false, unchecked(0), noVideo);
+    row("not checked, but empty, on a full disk", Target::written, true, unchecked(0), full);
 }
 
-void TestJobEnd::failsOnAFullDisk()
+void TestJobEnd::judgesTheFile()
 {
-    const QTemporaryDir folder;
-    const QString output = folder.filePath(u"out.mp4"_s);
-    QVERIFY(QFile::link(u"/dev/full"_s, output));
-    const auto failure = resize(plain, output, 320, 180).failure;
-    QCOMPARE(failure.value().sentence, u"The disk is full: there is no space left for the new video."_s);
-    QVERIFY(failure->details.contains(u"No space left on device"_s));
-    QVERIFY(QFileInfo(output).isSymLink());
-    QVERIFY(QFileInfo::exists(u"/dev/full"_s));
+    QFETCH(Target, target);
+    QFETCH(bool, diskIsFull);
+    QFETCH(FileProbe, output);
+    const ConverterEnd end{
+        .outcome = {End::exited, 0, {}}, .text = "last words\n", .target = target, .diskIsFull = diskIsFull};
+    const auto failure = failureOf(end, {u"/videos/saved/out.mp4"_s, 320, 180}, output);
+    QTEST(failure ? failure->sentence : QString(), "sentence");
+    if (failure) QCOMPARE(failure->details, u"last words"_s);
 }
 
-void TestJobEnd::failsOnADamagedInput()
+void TestJobEnd::judgesTheSize_data()
 {
-    const QTemporaryDir folder;
-    const QString input = folder.filePath(u"text.mp4"_s);
-    write(input, "Dear Sir or Madam");
-    const auto failure = resize(input, folder.filePath(u"out.mp4"_s), 320, 180).failure;
-    QCOMPARE(failure.value().sentence, u"The video is damaged, or it is no video at all."_s);
-    QCOMPARE(contents(input), "Dear Sir or Madam");
-}
-
-void TestJobEnd::failsWithFakes_data()
-{
-    QTest::addColumn<QList<QStringList>>("steps");
+    QTest::addColumn<FrameSize>("made");
+    QTest::addColumn<FrameSize>("wanted");
     QTest::addColumn<QString>("sentence");
-    QTest::addColumn<bool>("untouched");
-    const QString media = QStringLiteral(TESSALY_MEDIA_FOLDER "/");
-    const auto row = [](const char *name, const QList<QStringList> &steps, const QString &sentence,
-                        bool untouched) { QTest::newRow(name) << steps << sentence << untouched; };
-    row("ends with 0 and writes nothing", {}, u"The converter ended without writing the new video."_s, true);
-    row("ends with 0 and an empty file", {{u"write-output"_s, QString()}}, u"The new file holds no video."_s,
-        false);
-    row("ends with 0 and sound only", {{u"copy-to-output"_s, media + u"sound.m4a"_s}},
-        u"The new file holds no video."_s, false);
-    row("writes half a file and crashes", {{u"write-output"_s, u"half"_s}, {u"crash"_s}},
-        u"The converter crashed (signal 11)."_s, false);
-    row("fails and leaves a whole video",
-        {{u"copy-to-output"_s, media + u"plain.mp4"_s},
-         {u"complain"_s, u"Not quite\n"_s},
-         {u"exit"_s, u"69"_s}},
-        u"The converter said: Not quite"_s, false);
-    row("fails at once", {{u"exit"_s, u"1"_s}}, u"The converter ended with error 1 and said nothing."_s,
-        true);
+    const auto row = [](FrameSize wanted, FrameSize made, const QString &sentence) {
+        QTest::addRow("%lld x %lld", wanted.width, wanted.height) << made << wanted << sentence;
+    };
+    const FrameSize input{640, 360};
+    row({640, 360}, input, {});
+    row({0, 0}, input, u"The new video came out as 640 x 360, not 0 x 0: choose a size of at least 2 x 2."_s);
+    row({320, -2}, {320, 180},
+        u"The new video came out as 320 x 180, not 320 x -2: choose a size of at least 2 x 2."_s);
+    row({qint64(1) << 32, 360}, input,
+        u"The new video came out as 640 x 360, not 4294967296 x 360: choose a smaller size."_s);
+    row({320, 180}, input, u"The new video came out as 640 x 360, not 320 x 180."_s);
+    row({320, 360}, input, u"The new video came out as 640 x 360, not 320 x 360."_s);
 }
 
-void TestJobEnd::failsWithFakes()
+void TestJobEnd::judgesTheSize()
 {
-    QFETCH(QList<QStringList>, steps);
-    QFETCH(QString, sentence);
-    QFETCH(bool, untouched);
-    tools.setSteps(u"creator"_s, steps);
-    const QTemporaryDir folder;
-    const QString output = folder.filePath(u"out.mp4"_s);
-    QVERIFY(QFile::copy(plain, output)); // a whole video from before proves nothing
-    const Job job = resize(plain, output, 320, 180);
-    QVERIFY(job.failure);
-    QCOMPARE(job.failure->sentence, sentence);
-    QCOMPARE(QFile::exists(output), untouched);
-    tools.useRealTool(u"creator"_s);
+    QFETCH(FrameSize, made);
+    QFETCH(FrameSize, wanted);
+    const ConverterEnd end{.outcome = {End::exited, 0, {}}, .target = Target::written};
+    const auto failure = failureOf(end, {u"/out.mp4"_s, wanted.width, wanted.height}, video({}, made));
+    QTEST(failure ? failure->sentence : QString(), "sentence");
 }
 
-// The converter ends with 0 all the same.
-void TestJobEnd::saysThatACutInputMadeAShorterVideo()
+// Errors are seen although the encoder talks on for twenty lines.
+void TestJobEnd::detailsAreTheLastLines()
 {
-    const QTemporaryDir folder;
-    const QString input = folder.filePath(u"long.mp4"_s);
-    QVERIFY(QFile::copy(QStringLiteral(TESSALY_MEDIA_FOLDER "/long.mp4"), input));
-    const double duration = FileProbe(input).duration;
-    const Job job = resize(input, folder.filePath(u"out.mp4"_s), 320, 180, [&](const QByteArray &chunk) {
-        if (chunk.contains("time=")) QFile::resize(input, 3'000'000);
-    });
-    QVERIFY2(!job.failure, qPrintable(job.failure ? job.failure->sentence : QString()));
-    const QString sentence = shorterThanInput(duration, job.output.duration).value_or(QString());
-    QVERIFY2(sentence.startsWith(u"The new video is shorter than the original says: 00:00:"_s),
-             qPrintable(sentence));
-    QVERIFY2(sentence.endsWith(u" instead of 00:00:30.00."_s), qPrintable(sentence));
+    const ConverterEnd end{.outcome = {End::exited, 1, {}}, .text = test::capturedText("5.1-disk_full")};
+    const auto failure = failureOf(end, {u"/out.mp4"_s, 320, 180}, FileProbe());
+    const QStringList lines = failure.value().details.split(u'\n');
+    QVERIFY2(lines.size() <= 30, qPrintable(failure->details));
+    QCOMPARE(lines.last(), u"Conversion failed!"_s);
+    QVERIFY(lines.contains(u"Error closing file /videos/small/out.mp4: No space left on device"_s));
+    QVERIFY2(lines.filter(u"frame="_s).isEmpty(), qPrintable(failure->details));
+    QVERIFY2(lines.filter(u"mb P"_s).isEmpty(), qPrintable(failure->details));
+}
+
+QString told(const std::vector<Remark> &remarks)
+{
+    QStringList texts;
+    for (const Remark &remark : remarks)
+        texts += (remark.isSerious ? u"serious: "_s : QString()) + remark.sentence;
+    return texts.join(u'\n');
+}
+
+void TestJobEnd::remarksOnDamage_data()
+{
+    QTest::addColumn<qint64>("errors");
+    QTest::addColumn<int>("pictures"); // of the new video; 0: not known
+    QTest::addColumn<QString>("remark");
+    const auto row = [](qint64 errors, int pictures, const QString &remark) {
+        QTest::addRow("%lld of %d", errors, pictures) << errors << pictures << remark;
+    };
+    row(0, 50, {});
+    row(1, 50, u"1 error while reading the input: the picture may be damaged."_s);
+    row(49, 50, u"49 errors while reading the input: the picture may be damaged."_s);
+    row(50, 50, u"serious: 50 errors while reading the input: it is damaged or encrypted."_s);
+    row(1, 1, u"serious: 1 error while reading the input: it is damaged or encrypted."_s);
+    row(9000, 0, u"9000 errors while reading the input: the picture may be damaged."_s);
+}
+
+void TestJobEnd::remarksOnDamage()
+{
+    QFETCH(qint64, errors);
+    QFETCH(int, pictures);
+    const FileProbe output = video({2, 2, 2}, {320, 180}, pictures);
+    QTEST(told(remarksOn({.readingErrors = errors}, video({2, 2, 2}), output)), "remark");
+}
+
+void TestJobEnd::remarksOnTheLength_data()
+{
+    QTest::addColumn<Lengths>("input");
+    QTest::addColumn<Lengths>("output");
+    QTest::addColumn<QString>("remark"); // behind its beginning; empty: none
+    const auto row = [](const char *name, const Lengths &input, const Lengths &output,
+                        const QString &remark) { QTest::newRow(name) << input << output << remark; };
+    row("as long", {30, 30, 30}, {30, 30, 30}, {});
+    row("longer", {30, 30, 30}, {40, 40, 40}, {});
+    row("two percent less", {100, 100, 100}, {98, 98, 98}, {});
+    row("more than that", {100, 100, 100}, {97.9, 100, 100}, u"00:01:37.90 instead of 00:01:40.00."_s);
+    row("not quite a quarter less", {100, 100, 100}, {75.1, 75.1, 75.1},
+        u"00:01:15.10 instead of 00:01:40.00."_s);
+    row("a quarter less", {100, 100, 100}, {75, 75, 75}, u"serious: 00:01:15.00 instead of 00:01:40.00."_s);
+    row("cut short", {7200, 7200, 7200}, {21.8, 21.8, 21.8},
+        u"serious: 00:00:21.80 instead of 02:00:00.00."_s);
+    row("half of a short one", {2, 2, 2}, {1, 1, 1}, {});
+    row("more than a second of a short one", {2.5, 0, 2.5}, {1.4, 0, 1.4},
+        u"serious: 00:00:01.40 instead of 00:00:02.50."_s);
+    row("the picture alone", {100, 100, 100}, {10, 100, 100},
+        u"serious: 00:00:10.00 instead of 00:01:40.00."_s);
+    row("the sound alone", {100, 100, 100}, {100, 90, 100}, u"00:01:30.00 instead of 00:01:40.00."_s);
+    row("the worse one of both", {100, 50, 100}, {90, 10, 90},
+        u"serious: 00:00:10.00 instead of 00:00:50.00."_s);
+    row("the container counts more than it holds", {10, 10, 7200}, {10, 10, 10}, {});
+    row("tracks that say nothing", {0, 0, 30}, {0, 0, 4.96},
+        u"serious: 00:00:04.96 instead of 00:00:30.00."_s);
+    row("input unknown", {0, 0, 0}, {0, 0, 10}, {});
+    row("output unknown", {0, 0, 10}, {0, 0, 0}, {});
+    row("input infinite", {0, 0, infinity}, {0, 0, 10}, {});
+    row("input not a number", {0, 0, std::nan("")}, {0, 0, 10}, {});
+    row("output not a number", {0, 0, 10}, {0, 0, std::nan("")}, {});
+}
+
+void TestJobEnd::remarksOnTheLength()
+{
+    QFETCH(Lengths, input);
+    QFETCH(Lengths, output);
+    QFETCH(QString, remark);
+    const auto beginning = u"The new video is shorter than the original says: "_s;
+    const bool isSerious = remark.startsWith(u"serious: "_s);
+    QCOMPARE(told(remarksOn({}, video(input), video(output))), remark.isEmpty() ? QString()
+                                                               : isSerious      ? remark.insert(9, beginning)
+                                                                                : beginning + remark);
 }
 
 } // namespace

@@ -1,9 +1,11 @@
 #include "jobs/output_guard.h"
+#include "support/ordinary_user.h"
 #include "support/test_case.h"
 
 #include <QDateTime>
 #include <QDir>
 #include <QFile>
+#include <QProcess>
 #include <QTemporaryDir>
 
 #include <fcntl.h>
@@ -13,6 +15,7 @@
 
 using namespace tessaly;
 using namespace Qt::StringLiterals;
+using Target = OutputGuard::Target;
 
 namespace {
 
@@ -59,6 +62,11 @@ private Q_SLOTS:
     void neverRemovesTheInput_data();
     void neverRemovesTheInput();
     void saysWhenSomethingStays();
+    void believesWholeSecondsOnlyOfAJobThatEndedWell_data();
+    void believesWholeSecondsOnlyOfAJobThatEndedWell();
+    void knowsTheFileThatTheJobHadOpen_data();
+    void knowsTheFileThatTheJobHadOpen();
+    void doesNotTakeReadingForWriting();
 
 private:
     void makeFolder();
@@ -79,19 +87,19 @@ void TestOutputGuard::makeFolder()
 void TestOutputGuard::removesWhatTheJobCreated()
 {
     const OutputGuard guard(output, input);
-    QVERIFY(!guard.wasTouched());
+    QCOMPARE(guard.target(false), Target::untouched);
     write(output, "half a video");
-    QVERIFY(guard.wasTouched());
-    QVERIFY(guard.removeIfTouched());
+    QCOMPARE(guard.target(false), Target::written);
+    QVERIFY(guard.removeWhatWasWritten());
     QVERIFY(!QFile::exists(output));
-    QVERIFY(!guard.wasTouched());
+    QCOMPARE(guard.target(false), Target::untouched);
 }
 
 void TestOutputGuard::removesAnEmptyFileOfTheJob()
 {
     const OutputGuard guard(output, input);
     write(output, "");
-    QVERIFY(guard.removeIfTouched());
+    QVERIFY(guard.removeWhatWasWritten());
     QVERIFY(!QFile::exists(output));
 }
 
@@ -99,8 +107,8 @@ void TestOutputGuard::keepsAFileThatTheJobNeverTouched()
 {
     write(output, "an older video");
     const OutputGuard guard(output, input);
-    QVERIFY(!guard.wasTouched());
-    QVERIFY(guard.removeIfTouched());
+    QCOMPARE(guard.target(false), Target::untouched);
+    QVERIFY(guard.removeWhatWasWritten());
     QCOMPARE(contents(output), "an older video");
 }
 
@@ -109,8 +117,8 @@ void TestOutputGuard::removesAFileThatTheJobEmptied()
     write(output, "an older video");
     const OutputGuard guard(output, input);
     write(output, "");
-    QVERIFY(guard.wasTouched());
-    QVERIFY(guard.removeIfTouched());
+    QCOMPARE(guard.target(false), Target::written);
+    QVERIFY(guard.removeWhatWasWritten());
     QVERIFY(!QFile::exists(output));
 }
 
@@ -132,6 +140,7 @@ void TestOutputGuard::seesEachKindOfTouch()
     QFETCH(QByteArray, bytes);
     QFETCH(qint64, nanoseconds);
     QFETCH(bool, replaced);
+    QFETCH(bool, touched);
     write(output, "old");
     setModified(output, 500);
     const OutputGuard guard(output, input);
@@ -143,26 +152,26 @@ void TestOutputGuard::seesEachKindOfTouch()
         write(output, bytes);
     }
     setModified(output, nanoseconds);
-    QTEST(guard.wasTouched(), "touched");
-    QVERIFY(guard.removeIfTouched());
-    QTEST(!QFile::exists(output), "touched");
+    QCOMPARE(guard.target(false), touched ? Target::written : Target::untouched);
+    QVERIFY(guard.removeWhatWasWritten());
+    QCOMPARE(QFile::exists(output), !touched);
 }
 
 void TestOutputGuard::hasNothingToDoWhenNothingIsThere()
 {
     const OutputGuard nothing(output, input);
-    QVERIFY(!nothing.wasTouched());
-    QVERIFY(nothing.removeIfTouched());
+    QCOMPARE(nothing.target(false), Target::untouched);
+    QVERIFY(nothing.removeWhatWasWritten());
 
     write(output, "an older video");
     const OutputGuard gone(output, input);
     QFile::remove(output);
-    QVERIFY(!gone.wasTouched());
-    QVERIFY(gone.removeIfTouched());
+    QCOMPARE(gone.target(false), Target::untouched);
+    QVERIFY(gone.removeWhatWasWritten());
 
     const OutputGuard nowhere(folder->filePath(u"no/such/folder.mp4"_s), folder->filePath(u"no/input"_s));
-    QVERIFY(!nowhere.wasTouched());
-    QVERIFY(nowhere.removeIfTouched());
+    QCOMPARE(nowhere.target(false), Target::untouched);
+    QVERIFY(nowhere.removeWhatWasWritten());
 }
 
 void TestOutputGuard::keepsALinkAndRemovesWhatTheJobWroteThroughIt_data()
@@ -180,11 +189,11 @@ void TestOutputGuard::keepsALinkAndRemovesWhatTheJobWroteThroughIt()
     QVERIFY(QFile::link(u"target.mp4"_s, output));
 
     const OutputGuard guard(output, input);
-    QVERIFY(guard.removeIfTouched());
+    QVERIFY(guard.removeWhatWasWritten());
     QCOMPARE(contents(target), targetIsThere ? "an older video" : "(missing)");
 
     write(output, "half a video");
-    QVERIFY(guard.removeIfTouched());
+    QVERIFY(guard.removeWhatWasWritten());
     QVERIFY(!QFile::exists(target));
     QVERIFY(QFileInfo(output).isSymLink());
 }
@@ -195,8 +204,8 @@ void TestOutputGuard::keepsALinkThatSomebodyElseMade()
     const OutputGuard guard(output, input);
     write(target, "somebody's file");
     QVERIFY(QFile::link(target, output));
-    QVERIFY(guard.wasTouched());
-    QVERIFY(guard.removeIfTouched());
+    QCOMPARE(guard.target(false), Target::written);
+    QVERIFY(guard.removeWhatWasWritten());
     QCOMPARE(contents(target), "somebody's file");
     QVERIFY(QFileInfo(output).isSymLink());
 }
@@ -225,8 +234,8 @@ void TestOutputGuard::keepsWhatIsNoOrdinaryFile()
     const OutputGuard guard(output, input);
     if (!thereBefore) make();
     setModified(output, 500);
-    QVERIFY(guard.wasTouched());
-    QVERIFY(guard.removeIfTouched());
+    QCOMPARE(guard.target(false), Target::written);
+    QVERIFY(guard.removeWhatWasWritten());
     QVERIFY(QFileInfo::exists(output));
 }
 
@@ -256,8 +265,8 @@ void TestOutputGuard::neverRemovesTheInput()
         QCOMPARE(::link(to.constData(), from.constData()), 0);
     }
     if (way != u"moved") write(input, "changed");
-    QVERIFY(guard.wasTouched());
-    QVERIFY(guard.removeIfTouched());
+    QCOMPARE(guard.target(false), Target::written);
+    QVERIFY(guard.removeWhatWasWritten());
     QCOMPARE(contents(output), way == u"moved" ? "the input" : "changed");
 }
 
@@ -270,16 +279,128 @@ void TestOutputGuard::saysWhenSomethingStays()
     QCOMPARE(::chmod(QFile::encodeName(folder->path()).constData(), 0755), 0);
     QCOMPARE(::chmod(QFile::encodeName(closed).constData(), 0555), 0);
 
-    const bool isRoot = ::geteuid() == 0; // whom no mode keeps out
-    if (isRoot) QCOMPARE(::seteuid(65534), 0);
-    const bool removed = guard.removeIfTouched();
-    if (isRoot) QCOMPARE(::seteuid(0), 0);
-
+    bool removed = true;
+    {
+        const test::OrdinaryUser user;
+        removed = guard.removeWhatWasWritten();
+    }
     QVERIFY(!removed);
     QVERIFY(QFile::exists(closed + u"/out.mp4"_s));
     QCOMPARE(::chmod(QFile::encodeName(closed).constData(), 0755), 0);
-    QVERIFY(guard.removeIfTouched());
+    QVERIFY(guard.removeWhatWasWritten());
     QVERIFY(!QFile::exists(closed + u"/out.mp4"_s));
+}
+
+// As on disks that keep no fractions: the job may have written the same number of bytes in the same second.
+void TestOutputGuard::believesWholeSecondsOnlyOfAJobThatEndedWell_data()
+{
+    QTest::addColumn<qint64>("nanoseconds");
+    QTest::addColumn<bool>("endedWell");
+    QTest::addColumn<Target>("target");
+    QTest::newRow("whole second, ended well") << 5 * second << true << Target::written;
+    QTest::newRow("whole second, failed") << 5 * second << false << Target::untouched;
+    QTest::newRow("with a fraction, ended well") << 5 * second + 1 << true << Target::untouched;
+    QTest::newRow("with a fraction, failed") << 5 * second + 1 << false << Target::untouched;
+}
+
+void TestOutputGuard::believesWholeSecondsOnlyOfAJobThatEndedWell()
+{
+    QFETCH(qint64, nanoseconds);
+    QFETCH(bool, endedWell);
+    write(output, "old");
+    setModified(output, nanoseconds);
+    const OutputGuard guard(output, input);
+    QTEST(guard.target(endedWell), "target");
+    QVERIFY(QFile::remove(output)); // nothing there can have been written
+    QCOMPARE(guard.target(endedWell), Target::untouched);
+}
+
+// Runs a shell, a job's stand-in, that opens the output ("$0") and then stays.
+class Shell
+{
+public:
+    Shell(const QString &script, const QString &output)
+    {
+        m_shell.start(u"/bin/sh"_s, {u"-c"_s, script, output});
+        m_isReady = m_shell.waitForReadyRead() && m_shell.readLine() == "ready\n";
+    }
+    ~Shell()
+    {
+        m_shell.closeWriteChannel(); // which its last words wait for
+        m_shell.waitForFinished();
+    }
+    Shell(const Shell &) = delete;
+    Shell &operator=(const Shell &) = delete;
+
+    bool isReady() const { return m_isReady; }
+    qint64 processId() const { return m_shell.processId(); }
+
+private:
+    QProcess m_shell;
+    bool m_isReady = false;
+};
+
+void TestOutputGuard::knowsTheFileThatTheJobHadOpen_data()
+{
+    QTest::addColumn<QString>("script");
+    QTest::addColumn<QString>("event");
+    QTest::addColumn<Target>("target");
+    const auto program = u"exec 3>\"$0\"; echo ready; read -r word"_s;
+    const auto wrapper = u"sh -c 'exec 3>\"$0\"; echo ready; read -r word' \"$0\"; true"_s;
+    for (const auto &[name, script] : {std::pair("a program", program), std::pair("a wrapper", wrapper)}) {
+        const auto row = [name = name, script = script](const char *event, Target target) {
+            QTest::addRow("%s, %s", name, event) << script << QString::fromLatin1(event) << target;
+        };
+        row("nothing happens", Target::written);
+        row("somebody removes the file", Target::replaced);
+        row("somebody puts another file there", Target::replaced);
+        row("somebody renames the folder", Target::written);
+    }
+}
+
+void TestOutputGuard::knowsTheFileThatTheJobHadOpen()
+{
+    QFETCH(QString, script);
+    QFETCH(QString, event);
+    QFETCH(Target, target);
+    const QString saved = folder->filePath(u"saved"_s);
+    const QString renamed = folder->filePath(u"renamed"_s);
+    QVERIFY(QDir().mkdir(saved));
+    OutputGuard guard(saved + u"/out.mp4"_s, input);
+    {
+        const Shell job(script, saved + u"/out.mp4"_s);
+        QVERIFY(job.isReady());
+        guard.look(job.processId());
+    }
+    const bool isRenamed = event.endsWith(u"folder"_s);
+    if (event.endsWith(u"the file"_s)) QVERIFY(QFile::remove(saved + u"/out.mp4"_s));
+    if (event.endsWith(u"there"_s)) {
+        write(folder->filePath(u"other"_s), "another");
+        QVERIFY(QFile::remove(saved + u"/out.mp4"_s));
+        QVERIFY(QFile::rename(folder->filePath(u"other"_s), saved + u"/out.mp4"_s));
+    }
+    if (isRenamed) QVERIFY(QDir().rename(saved, renamed));
+
+    QCOMPARE(guard.target(false), target);
+    QCOMPARE(guard.target(true), target);
+    QVERIFY(guard.removeWhatWasWritten());
+    QCOMPARE(contents((isRenamed ? renamed : saved) + u"/out.mp4"_s),
+             event.endsWith(u"there"_s) ? "another" : "(missing)");
+}
+
+// A player, say.
+void TestOutputGuard::doesNotTakeReadingForWriting()
+{
+    write(output, "an older video");
+    OutputGuard guard(output, input);
+    {
+        const Shell reader(u"exec 3<\"$0\"; echo ready; read -r word"_s, output);
+        QVERIFY(reader.isReady());
+        guard.look(reader.processId());
+    }
+    QCOMPARE(guard.target(false), Target::untouched);
+    QVERIFY(guard.removeWhatWasWritten());
+    QCOMPARE(contents(output), "an older video");
 }
 
 } // namespace

@@ -13,6 +13,8 @@ class CommandLineTest : public tessaly::test::TestCase
 private Q_SLOTS:
     void info_data();
     void info();
+    void resize_data();
+    void resize();
     void files_data();
     void files();
     void text_data();
@@ -53,6 +55,39 @@ void CommandLineTest::info()
     for (const NamedFile &file : info->files)
         paths += file.path.value_or(u"none"_s);
     QTEST(paths.join(u' '), "files");
+}
+
+void CommandLineTest::resize_data()
+{
+    QTest::addColumn<QByteArrayList>("more");
+    QTest::addColumn<QString>("read");
+    const auto row = [](const char *name, const QByteArrayList &more, const QString &read) {
+        QTest::newRow(name) << more << read;
+    };
+    row("nothing more", {}, u"100 % - x -"_s);
+    row("scale", {"--scale", "33.3"}, u"33.3 % - x -"_s);
+    row("a large scale", {"--scale=1000000000"}, u"1e+09 % - x -"_s);
+    row("width", {"--width", "201"}, u"100 % 201 x -"_s);
+    row("height", {"--height=2"}, u"100 % - x 2"_s);
+    row("both", {"--height=100", "--width=9223372036854775807"}, u"100 % 9223372036854775807 x 100"_s);
+    row("flags", {"--force", "--quiet", "--verbose"}, u"100 % - x - force quiet verbose"_s);
+}
+
+void CommandLineTest::resize()
+{
+    QFETCH(QByteArrayList, more);
+    const Command command = readCommandLine(QByteArrayList{"resize", "/in", "-o", "/out"} + more);
+    const auto *resize = std::get_if<ResizeCommand>(&command);
+    QVERIFY(resize);
+    QCOMPARE(resize->input.path, u"/in"_s);
+    QCOMPARE(resize->output.path, u"/out"_s); // as it was named
+    const auto side = [](std::optional<qint64> length) { return length ? QString::number(*length) : u"-"_s; };
+    QString read = u"%1 % %2 x %3"_s.arg(QString::number(resize->size.percent), side(resize->size.width),
+                                         side(resize->size.height));
+    if (resize->force) read += u" force"_s;
+    if (resize->quiet) read += u" quiet"_s;
+    if (resize->verbose) read += u" verbose"_s;
+    QTEST(read, "read");
 }
 
 void CommandLineTest::files_data()
@@ -125,9 +160,9 @@ void CommandLineTest::text()
 void CommandLineTest::wrongUsage_data()
 {
     QTest::addColumn<QByteArrayList>("words");
-    QTest::addColumn<QString>("reason");
-    const auto row = [](const char *name, const QByteArrayList &words, const char *reason) {
-        QTest::newRow(name) << words << QString::fromLatin1(reason);
+    QTest::addColumn<QString>("refusal");
+    const auto row = [](const char *name, const QByteArrayList &words, const char *refusal) {
+        QTest::newRow(name) << words << QString::fromLatin1(refusal);
     };
     row("nothing", {}, "A command is missing.");
     row("another command", {"play", "/a"}, "There is no command \"play\".");
@@ -143,6 +178,24 @@ void CommandLineTest::wrongUsage_data()
     row("unknown short option", {"info", "-x", "/a"}, "Unknown option 'x'.");
     row("option with a value", {"info", "--json=1", "/a"}, "Unexpected value after '--json'.");
     row("option cut short", {"info", "--js", "/a"}, "Unknown option 'js'.");
+    row("no input", {"resize", "-o", "a"}, "resize needs exactly one input.");
+    row("two inputs", {"resize", "a", "b", "-o", "c"}, "resize needs exactly one input.");
+    row("empty input", {"resize", "", "-o", "c"}, "resize needs exactly one input.");
+    row("no output", {"resize", "a"}, "resize needs an output: -o FILE.");
+    row("empty output", {"resize", "a", "-o", ""}, "resize needs an output: -o FILE.");
+    row("scale and width", {"resize", "a", "-o", "b", "--scale=50", "--width=10"},
+        "--scale does not go with --width or --height.");
+    row("unknown option of resize", {"resize", "a", "-o", "b", "--fast"}, "Unknown option 'fast'.");
+    for (const char *scale : {"0", "-5", "half", "inf", "nan", ""}) {
+        QTest::addRow("scale %s", scale)
+            << QByteArrayList{"resize", "a", "-o", "b", QByteArray("--scale=") + scale}
+            << u"--scale takes a number above 0."_s;
+    }
+    for (const char *side : {"0", "1", "-2", "1.5", "1,920", "wide", "99999999999999999999", ""}) {
+        QTest::addRow("height %s", side)
+            << QByteArrayList{"resize", "a", "-o", "b", QByteArray("--height=") + side}
+            << u"--height takes a whole number of at least 2."_s;
+    }
 }
 
 void CommandLineTest::wrongUsage()
@@ -151,7 +204,7 @@ void CommandLineTest::wrongUsage()
     const Command command = readCommandLine(words);
     const auto *wrong = std::get_if<WrongUsage>(&command);
     QVERIFY(wrong);
-    QTEST(wrong->reason, "reason");
+    QTEST(wrong->refusal, "refusal");
 }
 
 TESSALY_TEST_MAIN(CommandLineTest)

@@ -8,6 +8,9 @@
 #include <QProcess>
 #include <QTemporaryDir>
 
+#include <csignal>
+#include <sys/stat.h>
+
 using namespace Qt::StringLiterals;
 using namespace tessaly;
 using tessaly::test::FakeTools;
@@ -51,6 +54,8 @@ private Q_SLOTS:
     void standardInputIsNotRead();
     void outputThatCannotBeWritten_data();
     void outputThatCannotBeWritten();
+    void noProberIsLeftBehind_data();
+    void noProberIsLeftBehind();
 
 private:
     Result run(const QStringList &words, const QString &program = builtProgram,
@@ -317,6 +322,49 @@ void InfoProgramTest::outputThatCannotBeWritten()
     const Result result = runShell(uR"sh(exec "$0" %1 >/dev/full)sh"_s.arg(words));
     QCOMPARE(result.exitCode, 1);
     QCOMPARE(result.errors, QByteArray("tessaly-cli: Standard output cannot be written.\n"));
+}
+
+// Children of a process, as the system lists them.
+static QByteArrayList childrenOf(qint64 process)
+{
+    QFile list(u"/proc/%1/task/%1/children"_s.arg(process));
+    const QByteArray text = list.open(QIODevice::ReadOnly) ? list.readAll().simplified() : QByteArray();
+    return text.isEmpty() ? QByteArrayList() : text.split(' ');
+}
+
+// A prober that reads a pipe nobody writes would stay for ever.
+void InfoProgramTest::noProberIsLeftBehind_data()
+{
+    QTest::addColumn<int>("signal");
+    QTest::newRow("kill") << SIGKILL;
+    QTest::newRow("terminate") << SIGTERM;
+    QTest::newRow("hang up") << SIGHUP;
+}
+
+void InfoProgramTest::noProberIsLeftBehind()
+{
+    QFETCH(int, signal);
+    QTemporaryDir folder;
+    const QString pipe = folder.filePath(u"pipe.mp4"_s);
+    QCOMPARE(::mkfifo(QFile::encodeName(pipe).constData(), 0600), 0);
+    QProcess program;
+    program.start(builtProgram, {u"info"_s, pipe});
+    QVERIFY(program.waitForStarted());
+    const auto commandOf = [](const QByteArray &process) {
+        QFile words(u"/proc/"_s + QString::fromLatin1(process) + u"/cmdline"_s);
+        return words.open(QIODevice::ReadOnly) ? words.readAll() : QByteArray();
+    };
+    QByteArray prober;
+    const auto findProber = [&] {
+        for (const QByteArray &child : childrenOf(program.processId())) {
+            if (commandOf(child).contains("-show_streams")) prober = child;
+        }
+        return !prober.isEmpty();
+    };
+    QTRY_VERIFY_WITH_TIMEOUT(findProber(), 30000);
+    ::kill(static_cast<pid_t>(program.processId()), signal);
+    QVERIFY(program.waitForFinished());
+    QTRY_COMPARE_WITH_TIMEOUT(commandOf(prober), QByteArray(), 20000);
 }
 
 TESSALY_TEST_MAIN(InfoProgramTest)

@@ -11,6 +11,8 @@
 #include "platform/termination_watch.h"
 #include "probe/refusal.h"
 
+#include <QFileInfo>
+
 namespace tessaly {
 
 using namespace Qt::StringLiterals;
@@ -30,13 +32,19 @@ ExitCode cancelled(const JobCancelled &how)
     return exitCancelled;
 }
 
+bool cannotBeOpened(const QString &path)
+{
+    const QFileInfo there(path);
+    return !there.exists() || there.isDir() || !there.isReadable();
+}
+
 std::optional<QString> inputRefusal(const FileProbe &probe, const QString &path)
 {
     const std::optional<Refusal> refusal = refusalOf(probe, path);
     if (!refusal) return std::nullopt;
     if (*refusal == Refusal::dvdFile) return path + u": .VOB files cannot be opened."_s;
     const QString details = refusalDetails(probe);
-    if (probe.proberFailure || !probe.fileSize) return path + u": "_s + details;
+    if (!details.isEmpty() && (probe.proberFailure || cannotBeOpened(path))) return path + u": "_s + details;
     return path + u": this seems to be an unsupported file"_s +
            (details.isEmpty() ? u"."_s : u" ("_s + details + u")."_s);
 }

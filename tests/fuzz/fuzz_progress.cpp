@@ -2,7 +2,7 @@
 // trigger, and is a number; the line below the bar has its form and never loses percent; a failure has a
 // sentence, and details that can be shown.
 #include "jobs/converter_text.h"
-#include "jobs/failure_report.h"
+#include "jobs/job_end.h"
 #include "jobs/progress.h"
 #include "jobs/utils.h"
 #include "require.h"
@@ -83,10 +83,8 @@ void checkText(const QByteArray &text)
 void checkFailure(const QByteArray &text)
 {
     static const QRegularExpression controls(u"[\\x00-\\x08\\x0B-\\x1F\\x7F]"_s);
-    JobEnd end;
-    end.outcome = {RunOutcome::End::ended, 1, {}, text};
-    end.target = {u"/videos/out.mp4"_s, 321, 180};
-    const auto failure = failureOfJob(end, FileProbe());
+    const ConverterEnd end{.outcome = {ProcessOutcome::End::exited, 1, {}}, .text = text};
+    const auto failure = failureOf(end, {u"/videos/out.mp4"_s, 321, 180}, FileProbe());
     REQUIRE(failure);
     REQUIRE(!failure->sentence.trimmed().isEmpty());
     REQUIRE(!failure->sentence.contains(u'\n'));

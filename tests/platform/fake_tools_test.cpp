@@ -162,6 +162,7 @@ private Q_SLOTS:
         QTest::newRow("an empty file") << Steps{{u"write-output"_s, u""_s}} << ""_ba;
         QTest::newRow("half a file, then a failure")
             << Steps{{u"write-output"_s, u"half"_s}, {u"exit"_s, u"1"_s}} << "half"_ba;
+        QTest::newRow("a text, held") << Steps{{u"hold-output"_s, u"film"_s}} << "film"_ba;
         QTest::newRow("a copy") << Steps{{u"copy-to-output"_s, file}} << QByteArray("\0film", 5);
     }
 

@@ -73,7 +73,7 @@ private Q_SLOTS:
         QTest::addColumn<End>("end");
         QTest::addColumn<qint64>("captured");
         const Steps stubborn{{u"ignore-terminate"_s}, {u"print"_s, u"abc"_s}, {u"hang"_s}};
-        addRows("never ends", Steps{{u"hang"_s}}, 150, qint64(0), End::timedOut, qint64(0));
+        addRows("never ends", Steps{{u"hang"_s}}, 3000, qint64(0), End::timedOut, qint64(0));
         addRows("never ends and ignores being terminated", stubborn, 3000, qint64(0), End::timedOut,
                 qint64(3));
         addRows("ends in time", Steps{{u"pause"_s, u"20"_s}}, 20000, qint64(0), End::exited, qint64(0));

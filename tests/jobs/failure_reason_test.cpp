@@ -314,8 +314,7 @@ void TestFailureReason::blamesAnOddSizeOnlyWhenTheEncoderGaveUp()
 {
     EndedJob end = endedWith(1, "The moon is in the way\n");
     end.target.width = 321;
-    QCOMPARE(failureOfJob(end, FileProbe()).value().sentence,
-             u"ffmpeg said: The moon is in the way"_s);
+    QCOMPARE(failureOfJob(end, FileProbe()).value().sentence, u"ffmpeg said: The moon is in the way"_s);
 }
 
 // To the converter they mean other things than a size.

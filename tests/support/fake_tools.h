@@ -17,8 +17,8 @@
 //   fail-at-call N [STATUS]               exits (1) when this is the Nth call, goes on otherwise
 //   write-output TEXT, copy-to-output FILE
 //   hold-output TEXT                      writes it and keeps the file open
-//   leave-behind MILLISECONDS [TEXT]      leaves a process that keeps the standard channels open so long; with
-//                                         a text: so long from the tool's end on, then it prints that
+//   leave-behind MILLISECONDS [TEXT]      leaves a process that keeps the standard channels open so long;
+//                                         with a text: so long from the tool's end on, then it prints that
 //   note-treatment FILE                   appends whether its process group is its own, and from /proc which
 //                                         signals it blocks and ignores
 //   become PROGRAM                        goes on as this program, with the same arguments

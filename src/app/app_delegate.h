@@ -44,8 +44,8 @@ public:
     ~AppDelegate() override;
 
     // Connects the outlets and the actions to the form's controls. An outlet whose control the form lacks
-    // stays unconnected; using it is a fatal error that names it. Alerts at the end of a job wait for a person
-    // who looks elsewhere, if that can be told.
+    // stays unconnected; using it is a fatal error that names it. Alerts at the end of a job wait for a
+    // person who looks elsewhere, if that can be told.
     void connectTo(MainWindow *form, bool attentionCanBeTold = desktopTellsWhoIsInFront());
 
     Outlet<MainWindow> window{"window"};

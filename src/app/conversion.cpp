@@ -17,9 +17,13 @@ using namespace Qt::StringLiterals;
 void AppDelegate::runConverter(ResizeJob &job, const QString &outputPath)
 {
     asyncOnMainQueue(this, [this] { showResizingSheet(); });
-    job.convert([this](double percent) {
-        asyncOnMainQueue(this, [this, percent] { m_jobFollower->showProgress(percent); });
-    });
+    const auto follow = [this](void (JobFollower::*what)(double)) {
+        return [this, what](double value) {
+            asyncOnMainQueue(this, [this, what, value] { (*m_jobFollower.*what)(value); });
+        };
+    };
+    job.convert(
+        {.percent = follow(&JobFollower::showProgress), .converted = follow(&JobFollower::showConverted)});
     asyncOnMainQueue(this, [this, outputPath] { finishResize(outputPath); });
 }
 

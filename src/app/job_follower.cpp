@@ -11,6 +11,11 @@ JobFollower::JobFollower(ProgressBar &bar, QLabel &detail)
 {
     m_launcherProgress.show(0);
     m_time.start();
+    QObject::connect(&m_tick, &QTimer::timeout, &m_tick, [this] {
+        m_remainingTime.tick(elapsed());
+        showText();
+    });
+    m_tick.start(std::chrono::seconds(1));
 }
 
 JobFollower::~JobFollower()
@@ -28,9 +33,19 @@ void JobFollower::showProgress(double percent)
 {
     m_bar.setDoubleValue(percent);
     m_launcherProgress.show(percent);
-    if (m_isCancelled) return;
-    m_remainingTime.addReading(percent, std::chrono::milliseconds(m_time.elapsed()));
-    m_detail.setText(m_remainingTime.text());
+    m_remainingTime.addReading(percent, elapsed());
+    showText();
+}
+
+void JobFollower::showConverted(double seconds)
+{
+    m_remainingTime.addConverted(seconds, elapsed());
+    showText();
+}
+
+void JobFollower::showText()
+{
+    if (!m_isCancelled) m_detail.setText(m_remainingTime.text());
 }
 
 } // namespace tessaly

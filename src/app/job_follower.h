@@ -8,6 +8,9 @@
 
 #include <QElapsedTimer>
 #include <QLabel>
+#include <QTimer>
+
+#include <chrono>
 
 namespace tessaly {
 
@@ -23,16 +26,21 @@ public:
     JobFollower &operator=(const JobFollower &) = delete;
 
     void showProgress(double percent);
+    void showConverted(double seconds); // of an input whose duration is not known
     // The small line says so from now on.
     void tellCancelling();
 
 private:
+    std::chrono::milliseconds elapsed() const { return std::chrono::milliseconds(m_time.elapsed()); }
+    void showText();
+
     ProgressBar &m_bar;
     QLabel &m_detail;
     SleepInhibitor m_sleepInhibitor;
     LauncherProgress m_launcherProgress;
     RemainingTime m_remainingTime;
     QElapsedTimer m_time;
+    QTimer m_tick;
     bool m_isCancelled = false;
 };
 

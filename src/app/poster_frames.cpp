@@ -5,41 +5,15 @@
 #include "platform/bundle.h"
 #include "platform/child_process.h"
 #include "platform/own_folder.h"
+#include "ui/still_image.h"
 
 #include <QDir>
-#include <QFile>
-#include <QImageReader>
 
 namespace tessaly {
 
 using namespace Qt::StringLiterals;
 
 namespace {
-
-// JPEG's marker "end of image" (ISO/IEC 10918-1, B.2.1).
-constexpr QByteArrayView endOfImage("\xff\xd9");
-
-// What a killed converter or a full disk left; the reader would fill the rest with grey.
-bool isHalfOfAPicture(const QImageReader &reader)
-{
-    if (reader.format() != "jpeg") return false;
-    QFile file(reader.fileName());
-    return !file.open(QIODevice::ReadOnly) || !file.readAll().endsWith(endOfImage);
-}
-
-// A picture that cannot be read as a whole is no picture. One of more pixels than a screen shows is read
-// smaller, which also spares the memory.
-QImage stillFromFile(const QString &path)
-{
-    constexpr QSize largest(3840, 3840);
-    QImageReader reader(path);
-    if (isHalfOfAPicture(reader)) return {};
-    const QSize size = reader.size();
-    if (size.width() > largest.width() || size.height() > largest.height()) {
-        reader.setScaledSize(size.scaled(largest, Qt::KeepAspectRatio));
-    }
-    return reader.read();
-}
 
 // A link in its place is removed, not followed.
 void remakeFolder(const QString &path)

@@ -43,10 +43,10 @@ QString kind(const FileProbe &facts)
     return facts.hasAudioTrack ? u"sound only"_s : u"neither video nor sound"_s;
 }
 
-QString kindWithComplaint(const FileProbe &facts)
+QString kindWithError(const FileProbe &facts)
 {
-    const QString complaint = textOf(facts.jsonDictionary["error"]["string"]);
-    return complaint.isEmpty() ? kind(facts) : kind(facts) + u" ("_s + complaint + u')';
+    const QString error = textOf(facts.jsonDictionary["error"]["string"]);
+    return error.isEmpty() ? kind(facts) : kind(facts) + u" ("_s + error + u')';
 }
 
 QString frameSize(const FileProbe &facts)
@@ -119,7 +119,7 @@ QString tagLines(const FileProbe &facts)
 
 QString infoText(const QString &name, const FileProbe &facts)
 {
-    QString text = terminalText(name) + u'\n' + line(u"Kind"_s, kindWithComplaint(facts));
+    QString text = terminalText(name) + u'\n' + line(u"Kind"_s, kindWithError(facts));
     if (facts.hasVideoTrack) text += line(u"Size"_s, frameSize(facts));
     if (facts.isValidMediaFile)
         text += line(u"Duration"_s, facts.duration > 0 ? durationHuman(facts.duration) : u"unknown"_s);

@@ -93,7 +93,9 @@ ExitCode runResize(const ResizeCommand &command)
 
     ResizeJob job(probe, {.path = output, .width = size->width, .height = size->height});
     ProgressDisplay progress(progressStyle(command.quiet));
-    const JobEnd end = job.run([&progress](double percent) { progress.show(percent); });
+    const JobEnd end = job.run({.percent = [&progress](double percent) { progress.show(percent); },
+                                .converted = [&progress](double seconds) { progress.showConverted(seconds); },
+                                .tick = [&progress] { progress.tick(); }});
     progress.finish();
     if (const auto *how = std::get_if<JobCancelled>(&end)) return cancelled(*how);
     if (const auto *failure = std::get_if<JobFailed>(&end)) return failed(*failure, command.verbose);

@@ -19,9 +19,9 @@ bool writeOutput(const QByteArray &text)
     return false;
 }
 
-void complain(const QString &complaint)
+void complain(const QString &sentence)
 {
-    write(stderr, "tessaly-cli: " + terminalText(complaint).toUtf8() + '\n');
+    write(stderr, "tessaly-cli: " + terminalText(sentence).toUtf8() + '\n');
 }
 
 } // namespace tessaly

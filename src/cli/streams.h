@@ -11,10 +11,10 @@ namespace tessaly {
 // Writes and flushes; false when the stream does not take it.
 bool write(std::FILE *stream, const QByteArray &text);
 
-// Writes to standard output; false, with a complaint, when that does not take it.
+// Writes to standard output; false, and says so, when that does not take it.
 [[nodiscard]] bool writeOutput(const QByteArray &text);
 
 // One line on standard error, behind the program's name; control characters become escapes.
-void complain(const QString &complaint);
+void complain(const QString &sentence);
 
 } // namespace tessaly

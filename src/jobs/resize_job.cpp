@@ -17,10 +17,11 @@ using End = ProcessOutcome::End;
 namespace {
 
 // A converter that finds no space for its last words may end as if all were well.
-bool isFull(const QString &folder)
+bool diskIsFullFor(const QString &path)
 {
     constexpr qint64 tooLittle = 65536; // bytes; the converter writes half of that at once
-    const QStorageInfo disk(folder);
+    const QString written = QFileInfo(path).canonicalFilePath(); // links lead elsewhere
+    const QStorageInfo disk(QFileInfo(written.isEmpty() ? path : written).path());
     return disk.isValid() && disk.bytesAvailable() < tooLittle;
 }
 
@@ -35,7 +36,7 @@ ResizeJob::ResizeJob(std::shared_ptr<const FileProbe> input, ResizeTarget target
                 buildResizeArguments(*input, *input->fileFullPath, target.path, target.width, target.height))
 {}
 
-void ResizeJob::convert(const ProgressHandler &onProgress)
+void ResizeJob::convert(const Progress &progress)
 {
     m_guard.emplace(m_target.path, *m_input->fileFullPath);
     const std::optional<QString> converter = pathForResource(u"creator"_s);
@@ -43,14 +44,20 @@ void ResizeJob::convert(const ProgressHandler &onProgress)
         m_outcome = {End::failedToStart, 0, u"ffmpeg is missing."_s};
         return;
     }
-    const auto onChunk = [&](const QByteArray &chunk) {
-        m_guard->look(m_converter.processId());
-        m_text.add(chunk);
-        const std::optional<double> percent = percentOfChunk(chunk, m_input->duration);
-        if (percent && onProgress) onProgress(*percent);
-    };
+    const auto onChunk = [&](const QByteArray &chunk) { handleConverterOutput(chunk, progress); };
     m_outcome = m_converter.run(*converter, m_arguments, Reading::standardError, onChunk,
-                                {.whenProgramEnds = programEndLimit});
+                                {.whenProgramEnds = programEndLimit}, progress.tick);
+}
+
+void ResizeJob::handleConverterOutput(const QByteArray &chunk, const Progress &progress)
+{
+    m_guard->look(m_converter.processId());
+    m_text.add(chunk);
+    const std::optional<double> percent = percentOfChunk(chunk, m_input->duration);
+    if (percent && progress.percent) progress.percent(*percent);
+    const bool hasDuration = m_input->duration > 0;
+    const std::optional<double> seconds = hasDuration ? std::nullopt : secondsOfChunk(chunk);
+    if (seconds && progress.converted) progress.converted(*seconds);
 }
 
 JobEnd ResizeJob::end(const FileProbe &output)
@@ -63,7 +70,7 @@ JobEnd ResizeJob::end(const FileProbe &output)
                            .text = m_text.text(),
                            .readingErrors = m_text.readingErrors(),
                            .target = m_guard->target(endedWell),
-                           .diskIsFull = isFull(QFileInfo(m_target.path).path())};
+                           .diskIsFull = diskIsFullFor(m_target.path)};
     if (std::optional<JobFailed> failure = failureOf(end, m_target, output)) {
         if (const std::optional<QString> leftover = clearUp()) failure->sentence += u' ' + *leftover;
         return *failure;
@@ -71,9 +78,9 @@ JobEnd ResizeJob::end(const FileProbe &output)
     return JobDone{output, remarksOn(end, *m_input, output), output.proberFailure};
 }
 
-JobEnd ResizeJob::run(const ProgressHandler &onProgress)
+JobEnd ResizeJob::run(const Progress &progress)
 {
-    convert(onProgress);
+    convert(progress);
     return end(FileProbe(m_target.path));
 }
 

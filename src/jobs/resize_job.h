@@ -19,8 +19,14 @@ public:
     static constexpr std::chrono::milliseconds cancelLimit = std::chrono::seconds(2);
     static constexpr std::chrono::milliseconds programEndLimit = std::chrono::seconds(3);
 
-    // As from percentOfChunk(); called on the thread of convert().
-    using ProgressHandler = std::function<void(double percent)>;
+    // How far the converter has come; called on the thread of convert().
+    struct Progress
+    {
+        std::function<void(double percent)> percent; // as from percentOfChunk()
+        // Of the new video, for an input whose duration is not known.
+        std::function<void(double seconds)> converted;
+        std::function<void()> tick; // several times a second, also when nothing is heard
+    };
 
     // The input has a path. The arguments are the converter's; by default those for the target.
     ResizeJob(std::shared_ptr<const FileProbe> input, ResizeTarget target);
@@ -29,14 +35,14 @@ public:
     const ResizeTarget &target() const { return m_target; }
 
     // Runs the converter and waits for its end on the calling thread, which may be any.
-    void convert(const ProgressHandler &onProgress = {});
+    void convert(const Progress &progress = {});
 
     // How the job came out, when convert() is over or was never called; the output is the target, probed
     // since. What a cancelled or failed job left is removed. To be called once.
     [[nodiscard]] JobEnd end(const FileProbe &output);
 
     // All of it, on the calling thread.
-    [[nodiscard]] JobEnd run(const ProgressHandler &onProgress = {});
+    [[nodiscard]] JobEnd run(const Progress &progress = {});
 
     // The job comes to nothing, whether the converter has not started yet, runs, or has ended. Any thread,
     // also from a signal handler, at any time of this object's life.
@@ -46,6 +52,7 @@ public:
     bool isUnderWay() const { return !m_hasEnded; }
 
 private:
+    void handleConverterOutput(const QByteArray &chunk, const Progress &progress);
     std::optional<QString> clearUp() const;
 
     std::shared_ptr<const FileProbe> m_input;

@@ -81,8 +81,9 @@ QString startFailure(const QString &program, const QString &systemText)
 class ChildProcess::Run
 {
 public:
-    Run(ChildProcess &owner, Reading reading, const ChunkHandler &onChunk, ProcessLimits limits)
-        : m_owner(owner), m_reading(reading), m_onChunk(onChunk), m_limits(limits)
+    Run(ChildProcess &owner, Reading reading, const ChunkHandler &onChunk, ProcessLimits limits,
+        const TickHandler &onTick)
+        : m_owner(owner), m_reading(reading), m_onChunk(onChunk), m_onTick(onTick), m_limits(limits)
     {
         if (reading != Reading::nothing) m_pipe.emplace();
     }
@@ -146,13 +147,13 @@ private:
                 quitWhenOver();
             });
         }
-        QTimer check;
-        QObject::connect(&check, &QTimer::timeout, &loop, [&] {
-            stopWhenDue();
+        QTimer nextCheck;
+        QObject::connect(&nextCheck, &QTimer::timeout, &loop, [&] {
+            check();
             quitWhenOver();
-            check.start(untilNextCheck());
+            nextCheck.start(untilNextCheck());
         });
-        check.start(untilNextCheck());
+        nextCheck.start(untilNextCheck());
         if (!isOver()) loop.exec();
         if (!isOver()) endAllRuns(); // somebody else ended the loop: the application is quitting
     }
@@ -160,7 +161,7 @@ private:
     void waitPlainly()
     {
         while (!isOver()) {
-            stopWhenDue();
+            check();
             const int interval = static_cast<int>(untilNextCheck().count());
             if (!m_pipe || m_pipe->isAtEnd()) {
                 m_process.waitForFinished(interval);
@@ -177,8 +178,9 @@ private:
         return std::min(checkInterval, std::chrono::milliseconds(m_deadline.remainingTime()));
     }
 
-    void stopWhenDue()
+    void check()
     {
+        if (m_onTick) m_onTick();
         if (runsAreEnding() || QCoreApplication::closingDown()) m_owner.requestStop(m_limits.whenProgramEnds);
         if (m_owner.stopIsRequested()) stopAsRequested();
         if (m_deadline.hasExpired()) killFor(End::timedOut);
@@ -246,6 +248,7 @@ private:
     ChildProcess &m_owner;
     Reading m_reading;
     const ChunkHandler &m_onChunk;
+    const TickHandler &m_onTick;
     ProcessLimits m_limits;
     std::optional<Pipe> m_pipe;
     QDeadlineTimer m_deadline{QDeadlineTimer::Forever};
@@ -257,12 +260,12 @@ private:
 };
 
 ProcessOutcome ChildProcess::run(const QString &program, const QStringList &arguments, Reading reading,
-                                 const ChunkHandler &onChunk, ProcessLimits limits)
+                                 const ChunkHandler &onChunk, ProcessLimits limits, const TickHandler &onTick)
 {
     if (runsAreEnding()) requestStop(limits.whenProgramEnds);
     if (stopIsRequested()) return {End::stopped, 0, {}};
     endWithTheApplication();
-    return Run(*this, reading, onChunk, limits).toTheEnd(program, arguments);
+    return Run(*this, reading, onChunk, limits, onTick).toTheEnd(program, arguments);
 }
 
 void ChildProcess::requestStop(std::chrono::milliseconds limit)

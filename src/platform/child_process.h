@@ -58,6 +58,8 @@ class ChildProcess
 public:
     // One piece as it was read, in order; called by run() on its thread.
     using ChunkHandler = std::function<void(const QByteArray &)>;
+    // Called by run() on its thread several times a second, also when nothing is read.
+    using TickHandler = std::function<void()>;
 
     // Runs the program and waits for its end on the calling thread, which may be any. Where the application
     // object's thread has a running event loop, the wait runs a local one under a BusyInput: windows repaint,
@@ -65,7 +67,7 @@ public:
     // by endAllRuns(). Elsewhere no event is dispatched. To be called once.
     [[nodiscard]] ProcessOutcome run(const QString &program, const QStringList &arguments,
                                      Reading reading = Reading::nothing, const ChunkHandler &onChunk = {},
-                                     ProcessLimits limits = {});
+                                     ProcessLimits limits = {}, const TickHandler &onTick = {});
 
     // Asks the child to end (SIGTERM) within a tenth of a second, and kills it when the limit is over; with a
     // limit of 0 it is killed without being asked. A child that has not started is not started any more. Of

@@ -1,6 +1,7 @@
 #include "ui/attention.h"
 
 #include "platform/main_queue.h"
+#include "ui/unmanaged_focus.h"
 
 #include <QApplication>
 
@@ -13,7 +14,8 @@ using namespace Qt::StringLiterals;
 bool desktopTellsWhoIsInFront()
 {
     const QString platform = QGuiApplication::platformName();
-    return platform != "offscreen"_L1 && platform != "minimal"_L1;
+    const bool hasDisplay = platform != "offscreen"_L1 && platform != "minimal"_L1;
+    return hasDisplay && !isDisplayUnmanaged();
 }
 
 Attention::Attention(QWidget *window, bool canBeTold) : m_window(window), m_canBeTold(canBeTold)

@@ -18,6 +18,15 @@ struct Free
     void operator()(void *reply) const { std::free(reply); }
 };
 
+bool takesKeyboard(const QWidget &widget)
+{
+    if (widget.testAttribute(Qt::WA_ShowWithoutActivating)) return false;
+    const Qt::WindowType type = widget.windowType();
+    return type == Qt::Window || type == Qt::Dialog || type == Qt::Sheet;
+}
+
+} // namespace
+
 // A window manager is whoever has asked to decide about the windows on the root, which only one can do.
 bool isDisplayUnmanaged()
 {
@@ -29,15 +38,6 @@ bool isDisplayUnmanaged()
         xcb_get_window_attributes_reply(display, xcb_get_window_attributes(display, root), nullptr));
     return attributes && (attributes->all_event_masks & XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT) == 0;
 }
-
-bool takesKeyboard(const QWidget &widget)
-{
-    if (widget.testAttribute(Qt::WA_ShowWithoutActivating)) return false;
-    const Qt::WindowType type = widget.windowType();
-    return type == Qt::Window || type == Qt::Dialog || type == Qt::Sheet;
-}
-
-} // namespace
 
 UnmanagedFocus::UnmanagedFocus()
 {

@@ -391,11 +391,11 @@ void TestResizeJob::leavesAloneWhatSomebodyElsePutThere()
                               {u"wait-for-file"_s, replaced},
                               {u"exit"_s, way == u"fail" ? u"1"_s : u"0"_s}});
     ResizeJob job(probed(plain), {output, 640, 360});
-    const JobEnd came = job.run([&](double) {
+    const JobEnd came = job.run({.percent = [&](double) {
         QVERIFY(QFile::remove(output) && QFile::copy(plain, output));
         if (way == u"cancel") job.cancel();
         write(replaced, "now");
-    });
+    }});
     QVERIFY(QFile::exists(replaced));
     QVERIFY2(told(came).startsWith(end), qPrintable(told(came)));
     QVERIFY(contents(output) == contents(plain));
@@ -406,9 +406,9 @@ void TestResizeJob::findsItsFileInARenamedFolder()
     QDir here(folder->path());
     QVERIFY(here.mkdir(u"saved"_s));
     ResizeJob job(probed(media + u"long.mp4"_s), {path(u"saved/out.mp4"_s), 640, 360});
-    const JobEnd end = job.run([&](double) {
+    const JobEnd end = job.run({.percent = [&](double) {
         if (QFile::exists(path(u"saved/out.mp4"_s)) && here.rename(u"saved"_s, u"renamed"_s)) job.cancel();
-    });
+    }});
     QCOMPARE(told(end), u"cancelled"_s);
     QCOMPARE(QDir(path(u"renamed"_s)).entryList(QDir::Files), QStringList());
 }

@@ -16,7 +16,9 @@ public:
     int code() const { return 3840; }
     // A sentence for people; it names the place as a line (from 1) and a column (from 0, in bytes).
     const std::string &text() const { return m_text; }
-    // The offset in bytes at which reading stopped; none for empty input.
+    // The offset in bytes, as given, of the first byte that cannot stand where it is: of the first one of a
+    // number that is too large, and behind the bracket that opens level 513. The size of a text that lacks
+    // its end; none for empty input.
     std::optional<std::size_t> position() const { return m_position; }
     // Domain, code, text and position on one line.
     const std::string &description() const { return m_description; }

@@ -1,11 +1,13 @@
 #include "json/reader.h"
 
 #include "json/builder.h"
+#include "json/offending_byte.h"
 #include "json/parse_error.h"
 
 #include <algorithm>
 #include <limits>
 #include <locale.h>
+#include <optional>
 #if __has_include(<xlocale.h>)
 #include <xlocale.h>
 #endif
@@ -104,15 +106,19 @@ public:
     bool end_object() { return m_builder.endDictionary(), true; }
     bool start_array(std::size_t) { return mayOpen() && (m_builder.beginArray(), true); }
     bool end_array() { return m_builder.endArray(), true; }
-    bool parse_error(std::size_t bytesRead, const std::string &, const std::exception &)
+    bool parse_error(std::size_t bytesRead, const std::string &token, const std::exception &error)
     {
-        m_bytesRead = bytesRead;
+        // The parser has just read the whole number then.
+        if (dynamic_cast<const nlohmann::json::out_of_range *>(&error))
+            m_hugeNumber = bytesRead - token.size();
         return false;
     }
 
     bool isTooDeep() const { return m_tooDeep; }
-    std::size_t bytesRead() const { return m_bytesRead; }
-    Builder &builder() { return m_builder; }
+    // Where a number begins that no type can hold.
+    std::optional<std::size_t> hugeNumber() const { return m_hugeNumber; }
+    bool isComplete() const { return m_builder.isComplete(); }
+    Object takeResult() { return m_builder.takeResult(); }
 
 private:
     bool mayOpen()
@@ -122,7 +128,7 @@ private:
     }
 
     Builder m_builder;
-    std::size_t m_bytesRead = 0;
+    std::optional<std::size_t> m_hugeNumber;
     bool m_tooDeep = false;
 };
 
@@ -146,15 +152,17 @@ std::size_t bytesToLevel(std::string_view text, std::size_t level)
     return text.size();
 }
 
-// What went wrong. `text` is what the parser saw of `bytes`, all of it or what stands before a NUL byte.
-ParseError failure(std::string_view bytes, std::string_view text, bool textIsSound, Handler &handler)
+// What went wrong. `text` is what the parser saw of `bytes`, all of it or what stands before a NUL byte; the
+// value begins at `start`.
+ParseError failure(std::string_view bytes, std::string_view text, std::size_t start, const Handler &handler)
 {
     if (handler.isTooDeep()) {
         const std::size_t offset = bytesToLevel(text, deepestReadLevel + 1);
         return errorAt(bytes, offset, "Too many nested arrays or dictionaries");
     }
-    const std::size_t offset = textIsSound ? text.size() : std::min(handler.bytesRead() - 1, text.size());
-    if (handler.builder().isComplete()) return errorAt(bytes, offset, "Garbage at end");
+    if (handler.hugeNumber()) return errorAt(bytes, *handler.hugeNumber(), "Invalid value");
+    const std::size_t offset = offendingByte(text, start);
+    if (handler.isComplete()) return errorAt(bytes, offset, "Garbage at end");
     if (offset == bytes.size()) return errorAt(bytes, offset, "Unexpected end of file");
     return errorAt(bytes, offset, "Invalid value");
 }
@@ -175,8 +183,8 @@ Object readJSON(std::string_view bytes, ReadingOptions options)
     const PlainNumericLocale plainNumbers;
     Handler handler;
     const bool textIsSound = nlohmann::json::sax_parse(text.begin(), text.end(), &handler);
-    if (!textIsSound || text.size() != bytes.size()) throw failure(bytes, text, textIsSound, handler);
-    return handler.builder().takeResult();
+    if (!textIsSound || text.size() != bytes.size()) throw failure(bytes, text, start, handler);
+    return handler.takeResult();
 }
 
 } // namespace tessaly

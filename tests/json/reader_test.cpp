@@ -187,12 +187,88 @@ void ReaderTest::placesErrors_data()
 {
     QTest::addColumn<QByteArray>("text");
     QTest::addColumn<int>("position");
-    QTest::newRow("trailing comma in an array") << "[1,]"_ba << 3;
-    QTest::newRow("trailing comma in an object") << R"({"a":1,})"_ba << 7;
-    QTest::newRow("unknown escape") << R"(["\e"])"_ba << 3;
-    QTest::newRow("raw control character") << "[\"\x01\"]"_ba << 2;
-    QTest::newRow("byte that is no UTF-8") << "[\"a\xFF\"]"_ba << 3;
-    QTest::newRow("behind a byte order mark") << "\xEF\xBB\xBF[?]"_ba << 4;
+    const auto row = [](const QByteArray &text, int position) {
+        QTest::newRow(text.toPercentEncoding(" []{}\":,\\+").constData()) << text << position;
+    };
+    // Structure: the first byte of what is out of place.
+    row(R"({"a":1}12345)", 7);
+    row(R"({"a":1} trailing)", 8);
+    row("[] tru", 3);
+    row("{}{}", 2);
+    row(R"([1 "x"])", 3);
+    row(R"([1 "\e"])", 3);
+    row("[1 nul]", 3);
+    row(R"({"k" 123})", 5);
+    row(R"({"k":1 2})", 7);
+    row(R"({"k":1 "l":2})", 7);
+    row("{1:2}", 1);
+    row("{true:2}", 1);
+    row("{]", 1);
+    row("[}", 1);
+    row("[1}", 2);
+    row(R"({"a":1])", 6);
+    row(R"({"a"})", 4);
+    row("[1,]", 3);
+    row("[,1]", 1);
+    row("[1,,2]", 3);
+    row(R"({"a":1,})", 7);
+    row("[//]", 1);
+    row("['a']", 1);
+    // Words and numbers: the first byte that does not fit.
+    row("[nulx]", 4);
+    row("[nul]", 4);
+    row("[True]", 1);
+    row("[trues]", 5);
+    row("[01]", 2);
+    row("[-01]", 3);
+    row("[-]", 2);
+    row("[+1]", 1);
+    row("[.5]", 1);
+    row("[1.]", 3);
+    row("[1.e2]", 3);
+    row("[1e]", 3);
+    row("[1e+]", 4);
+    row("[1e5.0]", 4);
+    row("[0x10]", 2);
+    row("[NaN]", 1);
+    row("[-Infinity]", 2);
+    row("[12, 1e400 ]", 5);
+    row("[12,1" + QByteArray(400, '0') + "]", 4);
+    // Strings.
+    row(R"(["\e"])", 3);
+    row(R"(["\u00g0"])", 6);
+    row(R"(["\u12"])", 6);
+    row(R"(["\udc00"])", 5);
+    row(R"(["\ud800"])", 8);
+    row(R"(["\ud800\n"])", 9);
+    row(R"(["\ud800\u0041"])", 10);
+    row(R"(["\ud800\ud800"])", 11);
+    row("[\"a\x01\"]", 3);
+    row("[\"a\n\"]", 3);
+    row("[\"a\x1F\"]", 3);
+    row("[\"a\xFF\"]", 3);
+    row("[\"a\x80\"]", 3);
+    row("[\"\xC0\x80\"]", 2);
+    row("[\"\xC3(\"]", 3);
+    row("[\"\xE0\x9F\x80\"]", 3);
+    row("[\"\xED\xA0\x80\"]", 3);
+    row("[\"\xE2\x82(\"]", 4);
+    row("[\"\xF0\x8F\x80\x80\"]", 3);
+    row("[\"\xF1\x80\x80(\"]", 5);
+    row("[\"\xF4\x90\x80\x80\"]", 3);
+    row("[\"\xF5\x80\x80\x80\"]", 2);
+    // What lacks its end: behind the last byte.
+    for (const char *text :
+         {"[", "{", "[1", "[1.", "[1e", "[-", "[tru", "[1,", R"({"a)", R"({"a")", R"({"a":)", R"({"a":1,)",
+          R"(["\)", R"(["\u00)", R"(["\ud800)", "[\"\xE2\x82", "[[] \n"})
+        row(text, int(qstrlen(text)));
+    // Bytes are counted as they are given.
+    row("\xEF\xBB\xBF[?]", 4);
+    row("[\"\xE2\x82\xAC\" ?]", 7);
+    row("[\xEF\xBB\xBF]", 1);
+    row(QByteArray("[1,\0]", 5), 3);
+    row(QByteArray("[1]\0", 4), 3);
+    row(QByteArray("[\0001\0]\0", 6), 1); // UTF-16
     QTest::newRow("too deep behind brackets in strings")
         << R"(["[[\"[[",{"[":)" + QByteArray(511, '[') << 526;
     QTest::newRow("too deep behind closed brackets") << "[[[]],{}," + QByteArray(512, '[') << 521;

@@ -11,8 +11,8 @@
 
 namespace tessaly {
 
-// Every event throws JSONException with invalidJSON when it cannot stand where it comes. Of equal keys the
-// last one wins.
+// An event that cannot stand where it comes throws JSONException with invalidJSON. Of equal keys the last one
+// wins.
 class Builder final : public EventSink
 {
 public:
@@ -30,7 +30,7 @@ public:
     std::size_t depth() const { return m_open.size(); }
     bool isComplete() const { return m_result.has_value(); }
 
-    // The value; the builder is then empty again. Throws when no value is complete.
+    // Hands the value out and is empty again. Throws JSONException with invalidJSON when none is complete.
     Object takeResult();
 
 private:

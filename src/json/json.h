@@ -33,14 +33,17 @@ public:
     JSON() = default; // null, no error
     static const JSON &null();
 
-    // Parses strictly (RFC 8259, UTF-8, at most 512 levels; of equal keys the last one wins); throws
+    // Parses strictly: RFC 8259, UTF-8, at most 512 levels; of equal keys the last one wins. Throws
     // ParseError.
     static JSON fromBytes(std::string_view bytes, ReadingOptions options = {});
-    // Anything: a byte buffer is parsed, and gives null without an error when it is no JSON.
+
+    // The object as it is; but a byte buffer is parsed, and gives null without an error when it is no JSON.
     explicit JSON(const Object &any);
-    // An object as it is; bytes and objects of other types give kind `unknown` and `unsupportedType`.
+
+    // The object as it is; bytes and objects of other types give the kind `unknown` and `unsupportedType`.
     static JSON fromObject(Object object);
-    // None for an object of an unknown type.
+
+    // As fromObject(); nothing for an object of an unknown type.
     static std::optional<JSON> fromRawValue(Object rawValue);
     Object rawValue() const { return object(); }
 
@@ -55,22 +58,25 @@ public:
     template<PlainInteger T>
     JSON(T value) : JSON(Object(value), Literal{})
     {}
-    template<std::same_as<bool> T> // no other type turns into a truth value by itself
+    // No other type turns into a truth value by itself.
+    template<std::same_as<bool> T>
     JSON(T value) : JSON(Object(value), Literal{})
     {}
     static JSON arrayLiteral(std::initializer_list<JSON> elements);
-    static JSON
-    dictionaryLiteral(std::initializer_list<std::pair<std::string, JSON>> members); // the last one wins
+    // Of equal keys the last one wins.
+    static JSON dictionaryLiteral(std::initializer_list<std::pair<std::string, JSON>> members);
 
     Type type() const;
     // Why this is null: of a failed lookup, or of an object of an unknown type.
     std::optional<JSONError> error() const { return m_error; }
 
-    // The content; the null marker for null and unknown. Writing it replaces kind, content and error.
+    // The content; the null marker for null and unknown.
     Object object() const;
+
+    // Replaces kind, content and error.
     void setObject(Object object);
 
-    // The content of one kind, and that kind's default for a value of another: empty, integer 0, false.
+    // The elements; none for a value of another kind. So each of the next ones: empty, integer 0, false.
     const Array &rawArray() const &;
     Array rawArray() && { return std::as_const(*this).rawArray(); }
     const Dictionary &rawDictionary() const &;
@@ -80,37 +86,38 @@ public:
     Object rawNull() const { return nullptr; }
     bool rawBool() const;
 
-    // Lookups. They copy nothing that was parsed. The error of a failed one is that of its first failing
-    // step: `indexOutOfBounds`, `notExist`, or for a value of the wrong kind its own error, else `wrongType`.
+    // The value at the end of a path, which shares what was parsed; this one for an empty path. The error of
+    // a failed lookup is that of its first failing step: `indexOutOfBounds`, `notExist`, or for a value of
+    // the wrong kind its own error, else `wrongType`.
+    JSON operator[](Path path) const;
+    JSON operator[](std::initializer_list<JSONSubscriptType> path) const
+    {
+        return (*this)[Path(path.begin(), path.size())];
+    }
+    JSON operator[](std::string_view key) const;
     template<PlainInteger T>
     JSON operator[](T index) const
     {
         return element(static_cast<std::int64_t>(index));
     }
-    JSON operator[](std::string_view key) const;
-    JSON operator[](std::initializer_list<JSONSubscriptType> path) const
-    {
-        return (*this)[Path(path.begin(), path.size())];
-    }
-    JSON operator[](Path path) const; // an empty one gives this value
 
-    // Writing in place. False, and nothing changed, when there is no such place or when `value` carries an
-    // error. A key that a dictionary lacks is added; the steps of a path before its last must exist.
+    // Writes at the end of a path, whose steps before the last must exist; a key that a dictionary lacks is
+    // added. False, and nothing changed, when there is no such place or when `value` carries an error.
+    bool set(Path path, const JSON &value);
+    bool set(std::initializer_list<JSONSubscriptType> path, const JSON &value)
+    {
+        return set(Path(path.begin(), path.size()), value);
+    }
+    bool set(std::string_view key, const JSON &value);
     template<PlainInteger T>
     bool set(T index, const JSON &value)
     {
         return setElement(static_cast<std::int64_t>(index), value);
     }
-    bool set(std::string_view key, const JSON &value);
-    bool set(std::initializer_list<JSONSubscriptType> path, const JSON &value)
-    {
-        return set(Path(path.begin(), path.size()), value);
-    }
-    bool set(Path path, const JSON &value);
 
-    // Plain accessors: numbers, strings and booleans are turned into each other, other kinds give the
-    // default. The optional ones give nothing for a string (but `string`), and for any other kind but numbers
-    // and booleans.
+    // The plain accessors turn numbers, strings and booleans into each other; of other kinds they give the
+    // default. The optional ones give nothing for another kind, but number(), int_() and double_() take
+    // booleans, too.
     std::string stringValue() const;
     std::optional<std::string> string() const;
     Number numberValue() const; // a string is read as a decimal; 0 when it is none
@@ -119,7 +126,8 @@ public:
     std::optional<std::int64_t> int_() const;
     double doubleValue() const;
     std::optional<double> double_() const;
-    bool boolValue() const; // a string: whether it is "true", "y", "t", "yes" or "1" in any letter case
+    // Of a string: whether it is "true", "y", "t", "yes" or "1" in any letter case.
+    bool boolValue() const;
     std::optional<bool> bool_() const;
     std::vector<JSON> arrayValue() const;
     std::optional<std::vector<JSON>> array() const;
@@ -138,30 +146,31 @@ public:
     Iterator begin() const;
     Iterator end() const;
 
-    // Deep: members are merged key by key, arrays are joined, anything else takes the other's value. Throws
-    // JSONException with wrongType, and changes nothing, when the two differ in kind.
+    // Through all levels: members are merged key by key, arrays are joined, anything else takes the other's
+    // value. Throws JSONException with wrongType, and changes nothing, when the two differ in kind.
     void merge(const JSON &other);
     JSON merged(const JSON &other) const;
 
-    // By value; an unknown value equals nothing, not even itself. Numbers and strings are ordered (strings by
-    // their bytes); for other kinds <= and >= mean equal.
+    // By value; an unknown value equals nothing, not even itself.
     friend bool operator==(const JSON &left, const JSON &right);
+    // Numbers and strings have an order, strings that of their bytes; for other kinds <= and >= mean equal.
     friend bool operator<(const JSON &left, const JSON &right);
     friend bool operator<=(const JSON &left, const JSON &right);
     friend bool operator>=(const JSON &left, const JSON &right);
     friend bool operator>(const JSON &left, const JSON &right);
 
-    // The value as JSON text; throws JSONException with elementTooDeep, or invalidJSON for what JSON cannot
-    // say.
-    std::string rawString(const writingOptionsKeys &options) const; // UTF-8, or its ASCII part when asked for
-    std::string rawData(const writingOptionsKeys &options = {}) const; // bytes in the encoding of the options
+    // The value as JSON text in UTF-8, of ASCII characters only when asked for. Throws JSONException with
+    // elementTooDeep, or with invalidJSON for what JSON cannot say.
+    std::string rawString(const writingOptionsKeys &options) const;
+    // The same as bytes in the encoding of the options.
+    std::string rawData(const writingOptionsKeys &options = {}) const;
     // One line of JSON text for people; the message of the error where there is none.
     std::string description() const;
     std::string debugDescription() const { return description(); }
 
-    // The structured coding. Both throw JSONException with invalidJSON, for content that cannot be coded or
-    // for events that do not form one value.
+    // Sends the value to the sink. Throws JSONException with invalidJSON for content that cannot be coded.
     void encode(EventSink &sink) const;
+    // The value whose events `source` sends. Throws JSONException with invalidJSON when they form none.
     static JSON decode(const std::function<void(EventSink &)> &source);
 
 private:

@@ -18,8 +18,9 @@ public:
     static JSONKey index(std::int64_t index) { return JSONKey(index); }
     static JSONKey key(std::string key) { return JSONKey(std::move(key)); }
 
-    // The one that it is; null otherwise.
+    // The index; null when this is a key.
     const std::int64_t *index() const { return std::get_if<std::int64_t>(&m_step); }
+    // The key; null when this is an index.
     const std::string *key() const { return std::get_if<std::string>(&m_step); }
 
     bool operator==(const JSONKey &) const = default;

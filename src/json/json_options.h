@@ -7,7 +7,8 @@ namespace tessaly {
 
 struct ReadingOptions
 {
-    bool fragmentsAllowed = false; // whether a number, string, boolean or null may stand alone
+    // Whether a number, string, boolean or null may stand alone.
+    bool fragmentsAllowed = false;
 };
 
 // The serializer's own choices. The members of a dictionary always come in the order of their keys.
@@ -28,8 +29,10 @@ enum class TextEncoding {
 struct writingOptionsKeys
 {
     SerializerOptions jsonSerialization;
-    bool castNilToNSNull = false;     // absent values are written as null; otherwise they cannot be written
-    std::size_t maxObjextDepth = 512; // how many levels of containers may stand inside each other
+    // Absent values are written as null; otherwise they cannot be written.
+    bool castNilToNSNull = false;
+    // How many levels of containers may stand inside each other.
+    std::size_t maxObjextDepth = 512;
     TextEncoding encoding = TextEncoding::utf8;
 };
 

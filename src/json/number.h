@@ -31,7 +31,8 @@ public:
         else
             m_value = static_cast<std::uint64_t>(value);
     }
-    template<std::same_as<bool> T> // no other type turns into a truth value by itself
+    // No other type turns into a truth value by itself.
+    template<std::same_as<bool> T>
     Number(T value) : m_value(value)
     {}
     Number(double value) : m_value(value) {}

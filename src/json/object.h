@@ -30,7 +30,8 @@ public:
 
     Object() = default; // absent: no object at all, which is not the null marker
     Object(std::nullptr_t) : m_value(Null{}) {}
-    template<std::same_as<bool> T> // no other type turns into a truth value by itself
+    // No other type turns into a truth value by itself.
+    template<std::same_as<bool> T>
     Object(T value) : m_value(Number(value))
     {}
     template<PlainInteger T>
@@ -55,8 +56,8 @@ public:
 
     Kind kind() const { return static_cast<Kind>(m_value.index()); }
 
-    // What it holds, or null when it is of another kind. Valid as long as this object, or a copy, is
-    // unchanged.
+    // The number, or null when it is of another kind; so each of the next ones. Valid as long as this object,
+    // or a copy, is unchanged.
     const Number *number() const { return std::get_if<Number>(&m_value); }
     const std::string *string() const;
     const Array *array() const;
@@ -64,13 +65,12 @@ public:
     const std::string *bytes() const;
     const std::any *other() const;
 
-    // The elements, or members, for writing: first made this object's own when they are shared. Only for an
-    // object of that kind.
+    // The elements of an array, for writing: first made this object's own when they are shared.
     Array &writableArray();
+    // The same of a dictionary.
     Dictionary &writableDictionary();
 
-    // By kind and value, through all levels. Numbers compare by value; of two objects of an unknown type only
-    // those that share one value are equal.
+    // By kind and value, through all levels. Objects of an unknown type are equal when they share one value.
     friend bool operator==(const Object &left, const Object &right);
 
 private:

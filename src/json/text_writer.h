@@ -10,14 +10,15 @@ namespace tessaly {
 
 struct TextStyle
 {
-    bool pretty =
-        false; // on many lines, indented by two blanks a level; otherwise on one line without blanks
+    // Many lines, indented by two blanks a level; otherwise one line without blanks.
+    bool pretty = false;
     bool escapesSlashes = false;
-    bool asciiOnly = false; // other characters as \u escapes
+    // Other characters are written as \u escapes.
+    bool asciiOnly = false;
 };
 
-// The events must form one value. An event throws JSONException with invalidJSON when JSON has no text for
-// it: a number that is not finite, a string or key that is not UTF-8.
+// Takes the events of one value. An event that JSON has no text for (a number that is not finite, a string or
+// key that is not UTF-8) throws JSONException with invalidJSON.
 class TextWriter final : public EventSink
 {
 public:

@@ -8,8 +8,8 @@
 
 namespace tessaly {
 
-// The scalar value at `at`, which then stands behind it; none, and `at` as it was, when the bytes there are
-// no UTF-8. `at` must be inside the text.
+// Reads the scalar value at `at`, which must be inside the text, and moves `at` behind it; nothing, and `at`
+// stays, when the bytes there are no UTF-8.
 std::optional<char32_t> takeScalar(std::string_view text, std::size_t &at);
 
 // A value that is no scalar value becomes U+FFFD.

@@ -39,8 +39,8 @@ public:
 
     JSON jsonDictionary;    // the whole report; null when there was none that could be read
     bool hasErrors = false; // the report has an "error" member; gates nothing here
-    // At least one stream, and not called .txt. When false, all fields below but numberOfStreams and the
-    // file facts keep their initial values.
+    // At least one stream, and not called .txt. When false, the fields below keep their initial values, but
+    // numberOfStreams and those of the file itself.
     bool isValidMediaFile = false;
     bool isEncrypted = false; // a video stream without a codec name
     qint64 numberOfStreams = 0;
@@ -58,7 +58,8 @@ public:
     // One record per stream: trackType, trackCodec, trackID, trackSpecialInfo, trackPresentInfile,
     // trackDuration (seconds), trackDurationHuman, trackLanguage, trackDictionary (the stream's own object).
     std::vector<Dictionary> tracksInfo;
-    std::vector<std::map<QString, QString>> metadata; // twelve entries with "key" (label) and "value"
+    // Twelve entries with "key" (the label) and "value".
+    std::vector<std::map<QString, QString>> metadata;
 
     std::optional<quint64> fileSize; // bytes
     std::optional<QString> fileSizeHuman;

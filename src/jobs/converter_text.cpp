@@ -29,7 +29,8 @@ const QRegularExpression &sayingNothing()
     static const QRegularExpression pattern(
         u"^( |ffmpeg version|Input #|Output #|Stream mapping:|Press \\[q\\]|Conversion failed!|"
         "Exiting normally|Error marking filters as finished|Error initializing output stream \\S+ -- $|"
-        "Error opening (in|out)put files?\\b|Task finished with error|Terminating thread|"
+        "Error opening (in|out)put files?\\b|Error sending frames to consumers|Task finished with "
+        "error|Terminating thread|"
         "Could not open encoder before EOF|Nothing was written into output file|Guessed Channel Layout|"
         "Consider increasing the value|No filtered frames for output stream)"_s);
     return pattern;

@@ -173,11 +173,12 @@ Sentence codecFailure(const Words &words, const ResizeTarget &)
 {
     const auto missing = words.beginWith(u"Decoder \\(codec .*\\) not found for input stream #(\\d+:\\d+)|"
                                          "Decoding requested, but no decoder found for"_s);
-    const auto failed = words.beginWith(u"Error while opening decoder for input stream #(\\d+:\\d+)"_s);
+    const auto failed = words.beginWith(u"Error while opening decoder(?: for input stream #(\\d+:\\d+))?"_s);
     if (missing.hasMatch() || failed.hasMatch()) {
         const QString stream = missing.captured(1) + failed.captured(1);
-        const bool isSound = stream.isEmpty() ? words.wrote(u"^\\[aist#.*no decoder found for"_s)
-                                              : words.wrote(u"^ +Stream #"_s + stream + u"\\b.*: Audio:"_s);
+        const bool isSound =
+            stream.isEmpty() ? words.wrote(u"^\\[aist#.*(no decoder found for|Error while opening decoder)"_s)
+                             : words.wrote(u"^ +Stream #"_s + stream + u"\\b.*: Audio:"_s);
         return (missing.hasMatch() ? u"ffmpeg has no decoder for "_s : u"ffmpeg cannot decode "_s) +
                (isSound ? u"the sound of this video."_s : u"this video."_s);
     }
@@ -191,7 +192,7 @@ Sentence codecFailure(const Words &words, const ResizeTarget &)
 Sentence decodingFailure(const Words &words)
 {
     // What a container holds about its encryption, by number or by name.
-    if (words.wrote(u"^ +(unknown side data type 24|[Ee]ncryption init\\w* (data|info)) ?\\("_s))
+    if (words.wrote(u"^ +(unknown side data type 24|[Ee]ncryption init\\w* data):? \\("_s))
         return u"The video is encrypted: it cannot be converted."_s;
     if (words.wrote(u"^\\[[^\\]]+ @ 0x[0-9a-f]+\\] (.*: partial file$|File ended prematurely)"_s))
         return u"The video is cut off: what is there cannot be converted."_s;
@@ -228,8 +229,9 @@ Sentence endedFromOutside(const Words &words, const ResizeTarget &)
 std::optional<QString> knownFailure(const QStringList &lines, const ResizeTarget &target)
 {
     const Words words(lines);
-    for (const auto failure : {spaceFailure, accessFailure, endedFromOutside, sizeFailure, memoryFailure,
-                               codecFailure, damageFailure}) {
+    // A decoder that could not be opened is told of with the words for files, too.
+    for (const auto failure : {spaceFailure, codecFailure, accessFailure, endedFromOutside, sizeFailure,
+                               memoryFailure, damageFailure}) {
         if (Sentence found = failure(words, target)) return found;
     }
     return std::nullopt;

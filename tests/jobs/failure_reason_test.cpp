@@ -90,23 +90,36 @@ void TestFailureReason::saysWhyInPlainWords_data()
         {"encrypted", written, 320, 180, encrypted},
         {"lacing", written, 320, 180, undecodable},
     };
-    for (const char *generation : {"4.1", "5.1", "7.1"}) {
+    const auto allRows = [&rows](const char *generation) {
         for (const auto &[name, path, width, height, sentence] : rows) {
             const QByteArray file = QByteArray(generation) + '-' + name;
             QTest::newRow(file.constData())
                 << test::capturedText(file.constData()) << ResizeTarget{path, width, height} << sentence;
         }
-    }
-    const auto row = [](const char *file, qint64 width, qint64 height, const QString &sentence) {
-        QTest::newRow(file) << test::capturedText(file) << ResizeTarget{written, width, height} << sentence;
     };
+    for (const char *generation : {"4.1", "5.1", "7.1", "7.1.5", "9.0"})
+        allRows(generation);
+
+    const auto row = [](const QByteArray &file, qint64 width, qint64 height, const QString &sentence) {
+        QTest::newRow(file.constData())
+            << test::capturedText(file.constData()) << ResizeTarget{written, width, height} << sentence;
+    };
+    for (const QByteArray generation : {"5.1-", "7.1.5-", "9.0-"}) {
+        row(generation + "too_large_to_scale", 99998, 50000,
+            u"A video of 99998 x 50000 is too large to be made: choose a smaller size."_s);
+        row(generation + "file_limit", 320, 180, fileLimit);
+        row(generation + "terminated", 320, 180, endedFromOutside);
+        row(generation + "no_format", 320, 180, u"The name of the new video must end in .mp4."_s);
+        row(generation + "input_is_folder", 320, 180, u"That is a folder, not a video."_s);
+        row(generation + "no_memory", 8000, 8000, noMemory);
+        row(generation + "negative_size", -3, 100,
+            u"A video of 177 x 100 cannot be made: choose an even size, such as 178 x 100."_s);
+        row(generation + "tiny", 320, 180, u"ffmpeg cannot decode this video."_s);
+    }
+    row("7.1.5-long_name", 320, 180, u"The name of the new video is too long."_s);
+    row("9.0-long_name", 320, 180, u"The name of the new video is too long."_s);
     row("5.1-fragment", 320, 180, encrypted);
-    row("5.1-too_large_to_scale", 99998, 50000,
-        u"A video of 99998 x 50000 is too large to be made: choose a smaller size."_s);
-    row("5.1-file_limit", 320, 180, fileLimit);
-    row("5.1-terminated", 320, 180, endedFromOutside);
-    row("5.1-no_format", 320, 180, u"The name of the new video must end in .mp4."_s);
-    row("5.1-input_is_folder", 320, 180, u"That is a folder, not a video."_s);
+    row("9.0-fragment", 320, 180, encrypted);
     row("5.1-cut_early", 320, 180, cutOff);
     row("5.1-cut_at_once", 320, 180,
         u"The video could not be read: it is cut off, or its disk reports an error."_s);
@@ -114,12 +127,11 @@ void TestFailureReason::saysWhyInPlainWords_data()
     row("5.1-ends_early", 320, 180, noVideo);
     row("5.1-no_parameters", 320, 180, noVideo);
     row("5.1-bad_argument", 320, 180, noVideo);
-    row("5.1-no_memory", 8000, 8000, noMemory);
-    row("5.1-negative_size", -3, 100,
-        u"A video of 177 x 100 cannot be made: choose an even size, such as 178 x 100."_s);
-    row("5.1-tiny", 320, 180, u"ffmpeg cannot decode this video."_s);
     row("5.1-covers", 320, 180,
         u"ffmpeg said: Could not write header for output file #0 (incorrect codec parameters ?): Invalid argument"_s);
+    for (const QByteArray generation : {"7.1.5-", "9.0-"})
+        row(generation + "covers", 320, 180,
+            u"ffmpeg said: Could not write header (incorrect codec parameters ?): Invalid argument"_s);
 }
 
 void TestFailureReason::saysWhyInPlainWords()
@@ -169,12 +181,12 @@ void TestFailureReason::readsOtherWords_data()
         "Error while decoding stream #0:0: Invalid data found when processing input\n",
         cutOff);
     row("encryption data, by name",
-        "    Side data:\n      Encryption initialization data (68 bytes)\nStream mapping:\n"
+        "    Side data:\n      Encryption initialization data: (68 bytes)\nStream mapping:\n"
         "Error while decoding stream #0:0: Invalid data found when processing input\n",
         encrypted);
     row("encryption data are no failure",
         "      unknown side data type 24 (68 bytes)\nStream mapping:\nThe moon is in the way\n",
-        u"The converter said: The moon is in the way"_s);
+        u"ffmpeg said: The moon is in the way"_s);
     row("ended by a hang-up", "Exiting normally, received signal 1.\n", endedFromOutside);
     row("ended without mercy", "Received > 3 system signals, hard exiting\n", endedFromOutside);
     row("immutable folder", "/videos/saved/out.mp4: Operation not permitted\n", mayNotWrite);
@@ -190,6 +202,10 @@ void TestFailureReason::readsOtherWords_data()
     row("decoder refuses the sound",
         "  Stream #0:0(und): Audio: aac\n  Stream #0:1: Video: theora\nError while opening decoder for input "
         "stream #0:0 : Function not implemented\n",
+        u"ffmpeg cannot decode the sound of this video."_s);
+    row("decoder refuses the sound, in the words of 7",
+        "[aist#0:0/aac @ 0x55d0c3c0] [dec:aac @ 0x55d0c3c1] Error while opening decoder: Function not "
+        "implemented\n",
         u"ffmpeg cannot decode the sound of this video."_s);
     row("no encoder", "Unknown encoder 'libx264'\n", u"ffmpeg has no encoder for MP4 videos."_s);
     row("encoder left out",

@@ -158,6 +158,14 @@ void TestReadingErrors::countsInCapturedRuns_data()
     QTest::newRow("4.1-encrypted") << qint64(31);
     QTest::newRow("5.1-encrypted") << qint64(31);
     QTest::newRow("7.1-encrypted") << qint64(31);
+    QTest::newRow("7.1.5-encrypted") << qint64(31);
+    QTest::newRow("9.0-encrypted") << qint64(31);
+    QTest::newRow("7.1.5-damaged") << qint64(22);
+    QTest::newRow("9.0-damaged") << qint64(22);
+    QTest::newRow("7.1.5-cut") << qint64(2);
+    QTest::newRow("9.0-cut") << qint64(2);
+    QTest::newRow("7.1.5-good") << qint64(0);
+    QTest::newRow("9.0-good") << qint64(0);
 }
 
 void TestReadingErrors::countsInCapturedRuns()

@@ -158,10 +158,10 @@ QString RemainingTime::done() const
 QString RemainingTime::textAt(Time elapsed)
 {
     const double percent = m_percent.value();
-    const double left = m_end ? *m_end - secondsOf(elapsed) : longestToTell;
+    const double left = m_end ? *m_end - secondsOf(m_rose) : longestToTell;
     QStringList parts;
     if (percent > 0 || m_converted.value() > 0) parts += done();
-    if (percent >= 100 || (percent >= lastPercent && (m_stalled || left <= shortestToTell))) {
+    if (percent >= 100 || (percent >= lastPercent && left <= shortestToTell)) {
         parts += u"finishing"_s;
     } else if (m_stalled) {
         parts += stallText(elapsed - m_rose);

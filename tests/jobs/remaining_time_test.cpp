@@ -61,6 +61,7 @@ private Q_SLOTS:
     void doesNotJumpInNoise();
     void followsAChangeOfSpeed();
     void tellsOfAStall();
+    void aStallIsNoFinish();
     void tellsOfAStallAnywhere_data();
     void tellsOfAStallAnywhere();
     void tellsWhatIsConverted();
@@ -342,6 +343,16 @@ void TestRemainingTime::tellsOfAStall()
     QCOMPARE(line.text(), u"42 % - about 30 seconds left"_s);
 }
 
+// The last percent of a long job are minutes.
+void TestRemainingTime::aStallIsNoFinish()
+{
+    RemainingTime line;
+    for (int percent = 10; percent <= 99; ++percent)
+        line.addReading(percent, milliseconds(9000 * percent));
+    line.tick(milliseconds(9000 * 99 + 30000));
+    QCOMPARE(line.text(), u"99 % - no progress for 30 s"_s);
+}
+
 void TestRemainingTime::tellsOfAStallAnywhere_data()
 {
     QTest::addColumn<double>("percent");
@@ -383,6 +394,8 @@ void TestRemainingTime::tellsWhatIsConverted()
     QCOMPARE(line.text(), u"03:18:43 converted"_s);
     QCOMPARE(line.converted(), 11923.0);
     line.addConverted(std::numeric_limits<double>::infinity(), at(118));
+    line.addConverted(362000, at(119)); // no time of day
+    line.addConverted(362000, at(120));
     QCOMPARE(line.text(), u"03:18:43 converted"_s);
 }
 

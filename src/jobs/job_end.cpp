@@ -89,7 +89,7 @@ Length shortestLength(const FileProbe &input, const FileProbe &output)
     };
     consider(expected.picture, made.picture);
     consider(expected.sound, made.sound);
-    if (!expected.picture && !expected.sound) consider(input.duration, output.duration);
+    if (!expected.picture && !expected.sound) consider(expected.whole, made.whole);
     return shortest;
 }
 
@@ -107,9 +107,16 @@ std::optional<Remark> remarkOnDamage(qint64 errors, const FileProbe &output)
     if (errors == 0) return std::nullopt;
     const QString count = errors == 1 ? u"1 error"_s : u"%1 errors"_s.arg(errors);
     const std::optional<qint64> pictures = keptTrackLengths(output).pictures;
-    if (pictures && errors >= *pictures)
+    const bool isHardlyReadable = pictures && 2 * errors >= *pictures;
+    if (isHardlyReadable)
         return Remark{u"%1 while reading the input: it is damaged or encrypted."_s.arg(count), true};
     return Remark{u"%1 while reading the input: the picture may be damaged."_s.arg(count), false};
+}
+
+std::optional<Remark> remarkOnSound(const FileProbe &input, const FileProbe &output)
+{
+    if (!input.hasAudioTrack || output.hasAudioTrack || !output.isValidMediaFile) return std::nullopt;
+    return Remark{u"The new video has no sound, although the original has."_s, true};
 }
 
 } // namespace
@@ -127,6 +134,7 @@ std::vector<Remark> remarksOn(const ConverterEnd &end, const FileProbe &input, c
 {
     std::vector<Remark> remarks;
     if (auto length = remarkOnLength(input, output)) remarks.push_back(*length);
+    if (auto sound = remarkOnSound(input, output)) remarks.push_back(*sound);
     if (auto damage = remarkOnDamage(end.readingErrors, output)) remarks.push_back(*damage);
     return remarks;
 }

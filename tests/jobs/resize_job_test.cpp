@@ -125,7 +125,7 @@ void TestResizeJob::goesWell()
     write(output, old);
     const QByteArray before = contents(plain);
     double last = 0;
-    const auto follow = [&last](double percent) { last = percent; };
+    const ResizeJob::Progress follow{.percent = [&last](double percent) { last = percent; }};
     ResizeJob job(probed(plain), {output, 320, 180});
     QVERIFY(job.isUnderWay());
     if (!inOne) job.convert(follow);
@@ -341,10 +341,10 @@ void TestResizeJob::isCancelled()
     ResizeJob job(probed(isLong ? media + u"long.mp4"_s : plain), {output, 320, 180});
     if (moment == u"before") job.cancel();
     if (moment != u"never") {
-        job.convert([&](double) {
+        job.convert({.percent = [&](double) {
             if (moment == u"during") job.cancel();
             if (moment == u"ending") endAllRuns();
-        });
+        }});
     }
     if (moment == u"after") QCOMPARE(FileProbe(output).videoWidth, 320);
     if (moment == u"after" || moment == u"never") job.cancel();

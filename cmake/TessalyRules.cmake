@@ -97,17 +97,11 @@ function(tessaly_library room)
   endif()
 endfunction()
 
-# tessaly_test(<name> [GUI] [SOURCES …] LINKS … [FIXTURES …] [TIMEOUT seconds]): the Qt Test program <name>_test.cpp of
+# tessaly_test(<name> [GUI] [SOURCES …] LINKS … [FIXTURES …]): the Qt Test program <name>_test.cpp of
 # one folder under tests/, with further sources if it has any. CTest knows it as <folder>_<name>, its target is
 # test_<folder>_<name>, and it runs without a display.
 function(tessaly_test name)
-  cmake_parse_arguments(ARG "GUI" "TIMEOUT" "SOURCES;LINKS;FIXTURES" ${ARGN})
-  if(NOT ARG_TIMEOUT)
-    set(ARG_TIMEOUT 120)
-  endif()
-  if(TESSALY_COVERAGE) # not optimized, and counting
-    math(EXPR ARG_TIMEOUT "5 * ${ARG_TIMEOUT}")
-  endif()
+  cmake_parse_arguments(ARG "GUI" "" "SOURCES;LINKS;FIXTURES" ${ARGN})
   cmake_path(GET CMAKE_CURRENT_SOURCE_DIR FILENAME room)
   set(test ${room}_${name})
   set(target test_${test})
@@ -128,7 +122,7 @@ function(tessaly_test name)
   endif()
   set_target_properties(${target} PROPERTIES RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/tests/bin")
   add_test(NAME ${test} COMMAND ${target})
-  set_tests_properties(${test} PROPERTIES TIMEOUT ${ARG_TIMEOUT} LABELS ${room} ENVIRONMENT
+  set_tests_properties(${test} PROPERTIES LABELS ${room} ENVIRONMENT
                                           "QT_QPA_PLATFORM=offscreen;LC_ALL=C.UTF-8")
   if(ARG_FIXTURES)
     set_tests_properties(${test} PROPERTIES FIXTURES_REQUIRED "${ARG_FIXTURES}")

@@ -94,6 +94,7 @@ BusyInput::~BusyInput()
     if (nesting == 1 && QCoreApplication::instance()) {
         const QScopedValueRollback discarding(discardingWhatWaits, true);
         QCoreApplication::processEvents();
+        QCoreApplication::sendPostedEvents(); // what was posted during that pass, by a timer for instance
     }
     if (--nesting == 0) delete discarder;
 }

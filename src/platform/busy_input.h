@@ -14,8 +14,8 @@ bool isUserInput(const QEvent &event);
 // nothing is accepted), and the window's close button. Everything else goes on: painting, timers, calls from
 // other threads. May be nested. On the application object's thread only. Code that wants a window gone from
 // within a callback of that time hides it: a close would be taken for the user's. The end of the last one
-// runs the event loop once more, so that input that is already waiting is thrown away too. Ending the
-// application is not held up.
+// runs the event loop once more, so that input that is already waiting is thrown away too, with what is
+// posted meanwhile. Ending the application is not held up.
 class BusyInput
 {
 public:

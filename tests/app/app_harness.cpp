@@ -2,6 +2,7 @@
 
 #include "platform/paths.h"
 #include "platform/temporary_directory.h"
+#include "support/test_case.h"
 
 #include <QAbstractButton>
 #include <QDialogButtonBox>
@@ -25,7 +26,7 @@ AppHarness::AppHarness(bool attentionCanBeTold)
     delegate.applicationDidFinishLaunching(&window);
     window.show();
     window.activateWindow();
-    if (!QTest::qWaitForWindowActive(&window)) qFatal("The window did not come up");
+    if (!QTest::qWaitForWindowActive(&window, waitLimit)) qFatal("The window did not come up");
 }
 
 AppHarness::~AppHarness()

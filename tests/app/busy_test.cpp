@@ -41,38 +41,41 @@ private:
         return visible;
     }
 
-    void letProberTake(int milliseconds)
+    // The work that is disturbed waits for this, so that it is under way until then.
+    QStringList waiting() const { return {u"wait-for-file"_s, app->folder.filePath(u"go ahead"_s)}; }
+
+    void letProberWait()
     {
         const QString report =
             uR"({"streams": [{"codec_type": "video", "codec_name": "vp9", "avg_frame_rate": "25/1",
                  "width": 640, "height": 360}], "format": {"duration": "12"}})"_s;
-        app->tools.setSteps(u"sniffer"_s,
-                            {{u"pause"_s, QString::number(milliseconds)}, {u"print"_s, report}});
+        app->tools.setSteps(u"sniffer"_s, {waiting(), {u"print"_s, report}});
     }
 
     // Begins the work; whether it is under way is another matter.
     void begin(Work work)
     {
-        const auto conversionTakes = [this](const QString &milliseconds) {
-            app->tools.setSteps(u"creator"_s, {{u"pause"_s, milliseconds}, {u"write-output"_s, u"video"_s}});
+        const QStringList writing{u"write-output"_s, u"video"_s};
+        const auto convert = [this](const QList<QStringList> &steps) {
+            app->tools.setSteps(u"creator"_s, steps);
             app->delegate.saveResponse(1, output());
         };
         switch (work) {
         case Work::probe:
-            letProberTake(300);
+            letProberWait();
             app->delegate.openVideo(QUrl::fromLocalFile(input()));
             break;
         case Work::stills:
-            app->tools.setSteps(u"creator"_s, {{u"pause"_s, u"20"_s}});
+            app->tools.setSteps(u"creator"_s, {waiting()});
             app->delegate.openVideo(QUrl::fromLocalFile(input()));
             break;
         case Work::jobBegins:
         case Work::conversion:
-            conversionTakes(u"300"_s);
+            convert({waiting(), writing});
             break;
         case Work::probeOfTheResult:
-            letProberTake(300);
-            conversionTakes(u"0"_s);
+            letProberWait();
+            convert({writing});
             break;
         case Work::openPanel:
             app->delegate.openToolBarBTNClicked(nullptr);
@@ -186,6 +189,7 @@ private Q_SLOTS:
             if (attempted || !isUnderWay(work)) return;
             attempted = true;
             attempt(what, other);
+            app->makeFile(u"go ahead"_s);
         };
         QTimer watch;
         connect(&watch, &QTimer::timeout, this, attemptWhenUnderWay);

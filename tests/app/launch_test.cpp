@@ -240,7 +240,7 @@ private Q_SLOTS:
         again.setProcessEnvironment(environment);
         again.start(QCoreApplication::applicationFilePath(),
                     {u"anUnconnectedOutletEndsTheProgramWithItsName"_s, u"-nocrashhandler"_s});
-        QVERIFY(again.waitForFinished());
+        QVERIFY(again.waitForFinished(waitLimit));
         QVERIFY(again.exitStatus() == QProcess::CrashExit || again.exitCode() != 0);
         const QByteArray said = again.readAllStandardOutput() + again.readAllStandardError();
         QVERIFY2(said.contains("\"inputLBL\" is not connected"), said.constData());

@@ -194,8 +194,11 @@ private Q_SLOTS:
         app->delegate.widthTF->setIntegerValue(320); // all of it is converted
         app->delegate.heightTF->setIntegerValue(180);
         app->delegate.saveResponse(1, output());
-        QTRY_VERIFY_WITH_TIMEOUT(isConverting(), patience);
+        QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(output()), patience);
+        const pid_t converter = static_cast<pid_t>(app->tools.runningProcesses(u"creator"_s).value(0));
+        QCOMPARE(::kill(converter, SIGSTOP), 0); // it reads no further until the input has changed
         QVERIFY(removed ? QFile::remove(input) : QFile::resize(input, 3'000'000));
+        QCOMPARE(::kill(converter, SIGCONT), 0);
         QTRY_VERIFY_WITH_TIMEOUT(app->alert(), patience);
         const double seconds = FileProbe(output()).duration;
         seen(u"%1; the new video has %2 of 30 s"_s.arg(app->told()).arg(seconds));
@@ -225,8 +228,9 @@ private Q_SLOTS:
         app->delegate.widthTF->setIntegerValue(640); // what the converter is going to make
         app->delegate.heightTF->setIntegerValue(360);
         app->tools.setSteps(u"creator"_s,
-                            {{u"progress"_s, u"150"_s, u"time=00:00:00.00 \r"_s, u"time=00:00:00.04 \r"_s,
-                              u"time=00:00:01.00 \r"_s},
+                            {{u"progress"_s, u"0"_s, u"time=00:00:00.00 \r"_s, u"time=00:00:00.04 \r"_s},
+                             {u"wait-for-file"_s, app->folder.filePath(u"go ahead"_s)},
+                             {u"progress"_s, u"0"_s, u"time=00:00:01.00 \r"_s},
                              {u"copy-to-output"_s, QStringLiteral(TESSALY_MEDIA_FOLDER "/plain.mp4")}});
         QStringList shown;
         app->delegate.saveResponse(1, output());
@@ -237,6 +241,7 @@ private Q_SLOTS:
                 isBusy ? u"busy"_s : QString::number(app->delegate.progressBar->doubleValue());
             for (const QString &what : {text, barDetail()})
                 if (!what.isEmpty() && !shown.contains(what)) shown += what;
+            if (isBusy || app->delegate.progressBar->doubleValue() > 0) app->makeFile(u"go ahead"_s);
             QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 20);
         }
         QTRY_VERIFY(app->alert());

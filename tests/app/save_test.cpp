@@ -125,7 +125,8 @@ private Q_SLOTS:
     void aDropAndSaveWhileAJobRunsAreRefused()
     {
         open();
-        letConverter({{u"pause"_s, u"300"_s}, {u"write-output"_s, u"video"_s}});
+        const QString goAhead = app->folder.filePath(u"go ahead"_s);
+        letConverter({{u"wait-for-file"_s, goAhead}, {u"write-output"_s, u"video"_s}});
         app->saveTo(output());
         QTRY_VERIFY(isConverting());
         app->drop(app->makeFile(u"other.mp4"_s));
@@ -133,6 +134,7 @@ private Q_SLOTS:
         app->delegate.openMenuBTNClicked(nullptr);
         QVERIFY(!app->panel());
         QCOMPARE(*app->delegate.globalFP->fileFullPath, app->folder.filePath(u"clip.mov"_s));
+        app->makeFile(u"go ahead"_s);
         QTRY_VERIFY(app->alertText().startsWith("Video Resized Successfully!"_L1));
     }
 

@@ -92,7 +92,7 @@ void CancellingTest::endsSoonWhenAskedToWhileConverting()
     tessaly.send(signal);
     QElapsedTimer clock;
     clock.start();
-    QTRY_VERIFY_WITH_TIMEOUT(tessaly.hasEnded(), 5000);
+    QTRY_VERIFY_WITH_TIMEOUT(tessaly.hasEnded(), workTime);
     seen(u"ended after %1 ms with status %2, %3 children left, output %4, %5 temporary files"_s
              .arg(clock.elapsed())
              .arg(tessaly.exitStatus())
@@ -130,7 +130,7 @@ void CancellingTest::tellsScreenReadersOfTheProgress()
     QTRY_VERIFY_WITH_TIMEOUT(!told.isEmpty(), workTime);
     QCOMPARE(told.at(0).teller, u"Resizing Video..."_s);
     QVERIFY(told.at(0).value >= 0 && told.at(0).value < 100);
-    QCOMPARE(told.size(), 1); // not each of the steps until then
+    QVERIFY(told.size() < 4); // not each of the steps until then: some seconds lie between two
     QVERIFY(tessaly.press({u"Escape"_s}));
     QTRY_VERIFY_WITH_TIMEOUT(!tessaly.shows(Role::label, u"Resizing Video..."_s), workTime);
 }

@@ -1,5 +1,7 @@
 #include "e2e/control.h"
 
+#include "support/test_case.h"
+
 #include <QDBusArgument>
 #include <QDBusMessage>
 #include <QDBusVariant>
@@ -11,7 +13,6 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr auto accessible = "org.a11y.atspi.Accessible";
-constexpr int answerTime = 2000; // milliseconds
 
 // Lists and tables can be long, and what they hold is not what tests look for.
 bool isCollection(Role role)
@@ -45,7 +46,7 @@ QVariantList Control::call(const char *interface, const char *method, const QVar
     QDBusMessage message = QDBusMessage::createMethodCall(m_service, m_path, QString::fromLatin1(interface),
                                                           QString::fromLatin1(method));
     message.setArguments(arguments);
-    const QDBusMessage answer = m_bus.call(message, QDBus::Block, answerTime);
+    const QDBusMessage answer = m_bus.call(message, QDBus::Block, test::waitLimit);
     const bool isGood = answer.type() == QDBusMessage::ReplyMessage && !answer.arguments().isEmpty();
     return isGood ? answer.arguments() : QVariantList{QVariant()};
 }

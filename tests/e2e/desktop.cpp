@@ -1,6 +1,7 @@
 #include "e2e/desktop.h"
 
 #include "e2e/processes.h"
+#include "support/test_case.h"
 
 #include <QDBusMessage>
 #include <QDir>
@@ -14,7 +15,8 @@ namespace {
 
 constexpr auto sessionConnection = "e2e-session"_L1;
 constexpr auto accessibilityConnection = "e2e-accessibility"_L1;
-constexpr int startTime = 10'000; // milliseconds
+constexpr int toolTime =
+    20'000; // milliseconds; it waits for ever on a window that has just gone, and is tried again then
 
 // Starts a server that prints one line as soon as it can be used, and gives that line.
 QString startServer(QProcess &server, const QString &program, const QStringList &arguments)
@@ -24,7 +26,7 @@ QString startServer(QProcess &server, const QString &program, const QStringList 
     server.setStandardErrorFile(QProcess::nullDevice());
     server.start(program, arguments);
     while (!server.canReadLine()) {
-        if (!server.waitForReadyRead(startTime)) return {};
+        if (!server.waitForReadyRead(test::waitLimit)) return {};
     }
     return QString::fromUtf8(server.readLine()).trimmed();
 }
@@ -89,7 +91,7 @@ void Desktop::startBuses()
     const QDBusMessage answer =
         session.call(QDBusMessage::createMethodCall(u"org.a11y.Bus"_s, u"/org/a11y/bus"_s, u"org.a11y.Bus"_s,
                                                     u"GetAddress"_s),
-                     QDBus::Block, startTime);
+                     QDBus::Block, test::waitLimit);
     if (answer.type() != QDBusMessage::ReplyMessage) {
         m_problem = u"no accessibility bus: "_s + answer.errorMessage();
         return;
@@ -116,7 +118,7 @@ std::optional<QString> Desktop::xdotool(const QStringList &words) const
     QProcess tool;
     tool.setProcessEnvironment(m_environment);
     tool.start(u"xdotool"_s, words);
-    const bool isDone = tool.waitForFinished(startTime) && tool.exitStatus() == QProcess::NormalExit;
+    const bool isDone = tool.waitForFinished(toolTime) && tool.exitStatus() == QProcess::NormalExit;
     if (!isDone || tool.exitCode() != 0) return std::nullopt;
     return QString::fromUtf8(tool.readAllStandardOutput()).trimmed();
 }
@@ -128,7 +130,7 @@ void Desktop::savePicture(const QString &path) const
     QProcess tool;
     tool.setProcessEnvironment(m_environment);
     tool.start(import, {u"-window"_s, u"root"_s, path});
-    tool.waitForFinished(startTime);
+    tool.waitForFinished(test::waitLimit);
 }
 
 } // namespace tessaly::e2e

@@ -7,6 +7,7 @@
 using namespace Qt::StringLiterals;
 using namespace tessaly::e2e;
 using tessaly::test::seen;
+using tessaly::test::waitLimit;
 
 struct Place
 {
@@ -61,7 +62,7 @@ bool DroppingTest::drag(Program &source, const Program &target, const Place &pla
     const auto isReady = [&] {
         return source.standardOutput().contains("ready"_L1) && source.shows(Role::filler);
     };
-    if (!QTest::qWaitFor(isReady)) return false;
+    if (!QTest::qWaitFor(isReady, waitLimit)) return false;
     const std::optional<Control> start = source.find(Role::filler);
     const std::optional<Control> window = target.find(Role::frame);
     const std::optional<Control> goal = target.find(place.role, place.name);
@@ -79,7 +80,7 @@ bool DroppingTest::drag(Program &source, const Program &target, const Place &pla
         answer == "nothing"_L1 ? restOn(to, target) : enterUntil(to, from, source, answer);
     desktop().xdotool({u"mouseup"_s, u"1"_s});
     return isAnswered &&
-           QTest::qWaitFor([&] { return source.standardOutput().contains(u"done "_s + answer); });
+           QTest::qWaitFor([&] { return source.standardOutput().contains(u"done "_s + answer); }, waitLimit);
 }
 
 // A target answers each movement. Letting go before the last answer is there would lose the drop, so the last
@@ -87,7 +88,7 @@ bool DroppingTest::drag(Program &source, const Program &target, const Place &pla
 bool DroppingTest::enterUntil(const QPoint &to, const QPoint &home, Program &source, const QString &answer)
 {
     const auto isAnswered = [&] { return answerOf(source) == answer; };
-    for (int attempt = 0; attempt < 5; ++attempt) {
+    for (int attempt = 0; attempt < 60; ++attempt) {
         desktop().xdotool(at(home));
         (void)QTest::qWaitFor([&] { return !isAnswered(); }, 1000);
         desktop().xdotool(at(to));

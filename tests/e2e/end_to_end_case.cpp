@@ -8,8 +8,6 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr int launchTime = 20'000; // milliseconds
-
 QStringList filesBelow(const QString &folder, const QStringList &patterns)
 {
     QStringList result;
@@ -42,7 +40,7 @@ Program &EndToEndCase::launch(const ProgramOptions &options)
 {
     Program &tessaly = start(u"tessaly"_s, options);
     const auto isUp = [&tessaly] { return tessaly.shows(Role::frame) || tessaly.hasEnded(); };
-    (void)QTest::qWaitFor(isUp, launchTime);
+    (void)QTest::qWaitFor(isUp, test::waitLimit);
     return tessaly;
 }
 

@@ -1,5 +1,6 @@
 #include "e2e/media_facts.h"
 
+#include "support/test_case.h"
 #include <QCryptographicHash>
 #include <QFile>
 #include <QJsonArray>
@@ -18,7 +19,7 @@ QByteArray outputOf(const QString &tool, const QStringList &arguments)
     QProcess process;
     process.setStandardInputFile(QProcess::nullDevice());
     process.start(QStringLiteral(TESSALY_PROGRAM_FOLDER) + u'/' + tool, arguments);
-    return process.waitForFinished() ? process.readAllStandardOutput() : QByteArray();
+    return process.waitForFinished(test::waitLimit) ? process.readAllStandardOutput() : QByteArray();
 }
 
 int turnOf(const QJsonObject &stream)

@@ -80,6 +80,25 @@ QList<RunningProcess> runningMediaTools()
     return tools;
 }
 
+bool suspendConverter()
+{
+    for (const RunningProcess &tool : runningMediaTools()) {
+        if (tool.program != "ffmpeg"_L1 || ::kill(static_cast<pid_t>(tool.id), SIGSTOP) != 0) continue;
+        char state = 0;
+        do // it stops a moment later, unless it ends before
+            state = statusOf(tool.id).state;
+        while (state != 'T' && state != 'Z');
+        if (state == 'T') return true;
+    }
+    return false;
+}
+
+void resumeConverters()
+{
+    for (const RunningProcess &tool : runningMediaTools())
+        ::kill(static_cast<pid_t>(tool.id), SIGCONT);
+}
+
 void endWithTest(QProcess &process)
 {
     process.setChildProcessModifier([] { ::prctl(PR_SET_PDEATHSIG, SIGTERM); });

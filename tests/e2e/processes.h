@@ -24,6 +24,11 @@ void adoptOrphans();
 // The prober and the converter, run by whichever program of the test or left by one that is gone.
 QList<RunningProcess> runningMediaTools();
 
+// Holds up the converter that is running, if there is one: in the middle of its work, for as long as the test
+// needs.
+bool suspendConverter();
+void resumeConverters();
+
 // The process ends with the test, however that ends.
 void endWithTest(QProcess &process);
 

@@ -1,6 +1,7 @@
 #include "e2e/program.h"
 
 #include "e2e/desktop.h"
+#include "support/test_case.h"
 
 #include <QDBusMessage>
 #include <QDBusReply>
@@ -14,8 +15,6 @@ namespace tessaly::e2e {
 using namespace Qt::StringLiterals;
 
 namespace {
-
-constexpr int reactionTime = 20'000; // milliseconds
 
 // Which connection on the accessibility bus is that of the process.
 QString serviceOf(const QDBusConnection &bus, qint64 id)
@@ -62,7 +61,7 @@ Program::Program(Desktop &desktop, const QString &file, const ProgramOptions &op
 Program::~Program()
 {
     m_process.kill();
-    m_process.waitForFinished();
+    m_process.waitForFinished(test::waitLimit);
 }
 
 int Program::exitStatus() const
@@ -130,7 +129,7 @@ QString Program::describe()
 
 bool Program::click(Role role, const QString &name)
 {
-    if (!QTest::qWaitFor([&] { return isEnabled(role, name); }, reactionTime)) return false;
+    if (!QTest::qWaitFor([&] { return isEnabled(role, name); }, test::waitLimit)) return false;
     const std::optional<Control> control = find(role, name);
     if (!control) return false;
     const QPoint middle = control->extents().center();
@@ -159,7 +158,7 @@ bool Program::waitForFocus(Role role, const QString &name)
         const std::optional<Control> control = find(role, name);
         return control && control->is(State::focused);
     };
-    return QTest::qWaitFor(hasFocus, reactionTime);
+    return QTest::qWaitFor(hasFocus, test::waitLimit);
 }
 
 bool Program::hasKeyboard() const
@@ -168,7 +167,7 @@ bool Program::hasKeyboard() const
     const auto isFocused = [&] {
         return m_desktop.xdotool({u"getwindowfocus"_s, u"-f"_s, u"getwindowpid"_s}) == ownId;
     };
-    return QTest::qWaitFor(isFocused, reactionTime);
+    return QTest::qWaitFor(isFocused, test::waitLimit);
 }
 
 } // namespace tessaly::e2e

@@ -19,7 +19,7 @@ struct ProgramOptions
     std::function<void()> beforeStart = {}; // runs in the new process; only what may follow a fork
 };
 
-// A click or a key first waits, for some seconds, until there is something to take it; false when that does
+// A click or a key first waits until there is something to take it; false when that does
 // not come. Killed at the end unless it has ended.
 class Program
 {

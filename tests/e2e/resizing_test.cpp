@@ -222,12 +222,9 @@ void ResizingTest::terminalDoesNotReachTheConverter()
     QVERIFY(openVideo(tessaly, clip(u"long.mp4"_s), u"1280 x 720"_s));
     QVERIFY(setPercent(tessaly, 10));
     QVERIFY(chooseOutput(tessaly, output));
-    const auto converted = [&tessaly] {
-        const std::optional<Control> bar = tessaly.find(Role::progressBar, u"Resizing Video..."_s);
-        return bar ? bar->value() : 0;
-    };
-    QTRY_VERIFY_WITH_TIMEOUT(converted() > 0, workTime);
+    QTRY_VERIFY_WITH_TIMEOUT(suspendConverter(), workTime);
     QVERIFY(terminal.type("q\nq\n"));
+    resumeConverters();
     const QString told = waitForAlert(tessaly).value(0);
     const double seconds = mediaFacts(output).seconds;
     seen(u"%1 terminal's foreground; %2 The new video has %3 of 30 s"_s

@@ -1,5 +1,7 @@
 #include "e2e/tasks.h"
 
+#include "support/test_case.h"
+
 #include <QTest>
 
 namespace tessaly::e2e {
@@ -9,7 +11,6 @@ using namespace Qt::StringLiterals;
 namespace {
 
 const auto nameField = u"File name:"_s;
-constexpr int panelTime = 20'000; // milliseconds
 
 // The panel's button can be used as soon as it has taken note of the path.
 bool answerPanel(Program &tessaly, const QString &path, const QString &button)
@@ -18,12 +19,12 @@ bool answerPanel(Program &tessaly, const QString &path, const QString &button)
         return tessaly.fieldText(nameField) == path && tessaly.isEnabled(Role::button, button);
     };
     return tessaly.waitForFocus(Role::field, nameField) && tessaly.typeOver(path) &&
-           QTest::qWaitFor(isReady, panelTime) && tessaly.press({u"Return"_s});
+           QTest::qWaitFor(isReady, test::waitLimit) && tessaly.press({u"Return"_s});
 }
 
 bool panelIsGone(const Program &tessaly)
 {
-    return QTest::qWaitFor([&] { return !tessaly.shows(Role::field, nameField); }, panelTime);
+    return QTest::qWaitFor([&] { return !tessaly.shows(Role::field, nameField); }, test::waitLimit);
 }
 
 } // namespace
@@ -57,14 +58,14 @@ bool setPercent(Program &tessaly, int percent)
         const std::optional<Control> control = tessaly.find(Role::slider, slider);
         return control && control->value() == percent;
     };
-    return QTest::qWaitFor(isSet, panelTime);
+    return QTest::qWaitFor(isSet, test::waitLimit);
 }
 
 bool typeSize(Program &tessaly, const QString &field, const QString &digits)
 {
     return tessaly.click(Role::field, field) && tessaly.waitForFocus(Role::field, field) &&
            tessaly.typeOver(digits) &&
-           QTest::qWaitFor([&] { return tessaly.fieldText(field) == digits; }, panelTime);
+           QTest::qWaitFor([&] { return tessaly.fieldText(field) == digits; }, test::waitLimit);
 }
 
 QStringList waitForAlert(const Program &tessaly)

@@ -6,7 +6,7 @@
 
 namespace tessaly::e2e {
 
-inline constexpr int workTime = 60'000; // milliseconds; for what runs the tools, on a busy machine
+inline constexpr int workTime = 120'000; // milliseconds; for what runs the tools, on a busy machine
 
 // Ctrl+O, the path, Return.
 bool chooseVideo(Program &tessaly, const QString &path);

@@ -3,6 +3,7 @@
 
 #include <QCoreApplication>
 #include <QEvent>
+#include <QTimer>
 
 namespace tessaly::test {
 
@@ -119,6 +120,22 @@ private Q_SLOTS:
             QCoreApplication::sendEvent(&target, &event);
             QCOMPARE(event.isAccepted(), accepted);
         }
+    }
+
+    void whatIsPostedDuringTheLastPassIsThrownAwayToo()
+    {
+        Target target;
+        bool posted = false;
+        {
+            const BusyInput busy;
+            QTimer::singleShot(0, &target, [&] {
+                QCoreApplication::postEvent(&target, new QEvent(QEvent::KeyPress));
+                posted = true;
+            });
+        }
+        QVERIFY(posted);
+        QCoreApplication::processEvents();
+        QVERIFY(!target.seen.contains(QEvent::KeyPress));
     }
 
     void isNestable()

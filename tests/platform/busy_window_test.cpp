@@ -33,7 +33,7 @@ struct Window : QWidget
         show();
         activateWindow();
         field.setFocus();
-        opened = QTest::qWaitForWindowActive(this);
+        opened = QTest::qWaitForWindowActive(this, waitLimit);
     }
 
     // What the platform reports when somebody types and clicks; it waits in the queue until events are
@@ -161,7 +161,7 @@ private Q_SLOTS:
             const BusyInput busy;
             QTimer::singleShot(0, &window, [] { QCoreApplication::quit(); });
             QEventLoop loop;
-            QTimer::singleShot(10000, &loop, [] { QCoreApplication::exit(1); });
+            QTimer::singleShot(waitLimit, &loop, [] { QCoreApplication::exit(1); });
             loop.exec();
             loopEnded = true;
         });

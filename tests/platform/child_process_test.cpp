@@ -165,7 +165,7 @@ private Q_SLOTS:
         tools.setSteps(tool, {{u"print-input-kind"_s}, {u"complain"_s, u"trouble"_s}});
         QProcess helper;
         helper.start(QStringLiteral(TESSALY_PLATFORM_HELPER), {mode, tools.path(tool)});
-        QVERIFY(helper.waitForFinished(20000));
+        QVERIFY(helper.waitForFinished(waitLimit));
         QCOMPARE(helper.exitCode(), 0);
         QCOMPARE(helper.readAllStandardOutput(), output);
         QCOMPARE(helper.readAllStandardError(), "trouble"_ba);

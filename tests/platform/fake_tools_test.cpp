@@ -17,7 +17,6 @@ namespace tessaly::test {
 namespace {
 
 const QString tool = u"creator"_s;
-constexpr int patience = 20000; // milliseconds
 
 QByteArray contents(const QString &path)
 {
@@ -103,7 +102,7 @@ private Q_SLOTS:
         QProcess process;
         process.start(tools.path(tool), {u"in"_s, u"out"_s});
         process.closeWriteChannel();
-        QVERIFY(process.waitForFinished(patience));
+        QVERIFY(process.waitForFinished(waitLimit));
         QCOMPARE(process.exitStatus(), QProcess::NormalExit);
         QCOMPARE(process.exitCode(), status);
         QCOMPARE(process.readAllStandardOutput(), output);
@@ -136,16 +135,14 @@ private Q_SLOTS:
         tools.setSteps(tool, steps);
         QProcess process;
         process.start(tools.path(tool), {});
-        QVERIFY(process.waitForReadyRead(patience));
+        QVERIFY(process.waitForReadyRead(waitLimit));
         const pid_t id = static_cast<pid_t>(process.processId());
         if (sent == SIGKILL) {
             ::kill(id, SIGTERM);
             QVERIFY(!process.waitForFinished(100));
         }
-        // Slow flushing takes the signal a moment after it said that it is ready.
-        if (status != 0) QVERIFY(!process.waitForFinished(100));
         if (sent != 0) ::kill(id, sent);
-        QVERIFY(process.waitForFinished(patience));
+        QVERIFY(process.waitForFinished(waitLimit));
         QCOMPARE(process.exitStatus(), signal != 0 ? QProcess::CrashExit : QProcess::NormalExit);
         QCOMPARE(process.exitCode(), signal != 0 ? signal : status);
         QVERIFY(tools.runningProcesses(tool).isEmpty());
@@ -188,6 +185,20 @@ private Q_SLOTS:
         tools.forgetCalls(tool);
         QCOMPARE(runCapturingOutput(tools.path(tool), {}).output, "fine"_ba);
         QCOMPARE(runCapturingOutput(tools.path(tool), {}).outcome.code, 5);
+    }
+
+    void waitsForItsTurn()
+    {
+        FakeTools tools;
+        tools.setSteps(tool, {{u"wait-for-turn"_s, place.filePath(u"turn"_s)}, {u"print"_s, u"done"_s}});
+        QVERIFY(QFile(place.filePath(u"turn2"_s)).open(QIODevice::WriteOnly));
+        QProcess first;
+        first.start(tools.path(tool), {});
+        QTRY_COMPARE(tools.calls(tool).size(), 1);
+        QCOMPARE(runCapturingOutput(tools.path(tool), {}).output, "done"_ba);
+        QVERIFY(!first.waitForFinished(100));
+        QVERIFY(QFile(place.filePath(u"turn1"_s)).open(QIODevice::WriteOnly));
+        QVERIFY(first.waitForFinished(waitLimit));
     }
 
     void notesEachCall()

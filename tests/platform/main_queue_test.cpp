@@ -61,9 +61,9 @@ private Q_SLOTS:
             thread = QThread::currentThread();
             finished.release();
         });
-        QVERIFY(finished.tryAcquire(1, 10000));
+        QVERIFY(finished.tryAcquire(1, waitLimit));
         QVERIFY(thread != QThread::currentThread());
-        QVERIFY(QThreadPool::globalInstance()->waitForDone(10000));
+        QVERIFY(QThreadPool::globalInstance()->waitForDone(waitLimit));
     }
 };
 

@@ -18,8 +18,6 @@ namespace tessaly::test {
 
 using namespace Qt::StringLiterals;
 
-inline constexpr int patience = 20000; // milliseconds
-
 inline void makeFile(const QString &path)
 {
     QFile file(path);
@@ -48,7 +46,7 @@ public:
         environment.insert(u"TMPDIR"_s, base);
         process.setProcessEnvironment(environment);
         process.start(QStringLiteral(TESSALY_PLATFORM_HELPER), {mode});
-        while (!process.canReadLine() && process.waitForReadyRead(patience)) {
+        while (!process.canReadLine() && process.waitForReadyRead(waitLimit)) {
         }
         folder = QString::fromUtf8(process.readLine()).chopped(1);
     }
@@ -58,13 +56,13 @@ public:
     void kill()
     {
         process.kill();
-        process.waitForFinished(patience);
+        process.waitForFinished(waitLimit);
     }
 
     bool endInTheOrdinaryWay()
     {
         process.closeWriteChannel();
-        return process.waitForFinished(patience) && process.exitCode() == 0;
+        return process.waitForFinished(waitLimit) && process.exitCode() == 0;
     }
 
     QString folder;

@@ -2,8 +2,6 @@
 #include "platform/child_process.h"
 #include "probe/probe_stage.h"
 
-#include <QElapsedTimer>
-
 #include <functional>
 
 using namespace Qt::StringLiterals;
@@ -192,7 +190,7 @@ void ProberRunTest::proberThatHasToBeStopped_data()
     QTest::newRow("ignores being terminated") << Steps{{u"ignore-terminate"_s}, {u"hang"_s}} << 250 << late;
     QTest::newRow("never ends behind a good report")
         << Steps{{u"print"_s, QString::fromUtf8(goodReport)}, {u"hang"_s}} << 250 << late;
-    QTest::newRow("never stops writing") << Steps{{u"flood-stdout"_s, u"1000000000000"_s}} << 30000
+    QTest::newRow("never stops writing") << Steps{{u"flood-stdout"_s, u"1000000000000"_s}} << 10 * waitLimit
                                          << u"ffprobe reported more than 16 MiB about the file."_s;
 }
 
@@ -202,10 +200,7 @@ void ProberRunTest::proberThatHasToBeStopped()
     QFETCH(int, milliseconds);
     FakeTools tools;
     tools.setSteps(prober, steps);
-    QElapsedTimer clock;
-    clock.start();
     const QByteArray printed = probe(m_film, std::chrono::milliseconds(milliseconds));
-    QVERIFY(clock.elapsed() < 15000);
     QTEST(m_probe.proberFailure.value_or(QString()), "reason");
     QCOMPARE(printed, m_probe.proberFailure->toUtf8() + '\n');
     QVERIFY(isUntouched(m_probe));

@@ -93,10 +93,12 @@ void noteTheCall()
     append(self + ".pids", std::to_string(getpid()) + '\n');
 }
 
-long numberOfCalls()
+// 1 for the first start, even while others follow.
+long numberOfThisCall()
 {
-    const std::string pids = contents(self + ".pids");
-    return std::count(pids.begin(), pids.end(), '\n');
+    const std::string pids = '\n' + contents(self + ".pids");
+    const std::size_t own = pids.rfind('\n' + std::to_string(getpid()) + '\n');
+    return 1 + std::count(pids.begin(), pids.begin() + static_cast<std::ptrdiff_t>(own), '\n');
 }
 
 void send(int channel, const std::string &text)
@@ -153,7 +155,6 @@ volatile std::sig_atomic_t terminated = 0;
 
 void slowFlush(const std::string &milliseconds, const std::string &status)
 {
-    std::signal(SIGTERM, [](int) { terminated = 1; });
     while (!terminated)
         pauseFor("5");
     pauseFor(milliseconds);
@@ -218,6 +219,11 @@ void waitForFile(const std::string &path)
         pauseFor("5");
 }
 
+void waitForTurn(const std::string &prefix)
+{
+    waitForFile(prefix + std::to_string(numberOfThisCall()));
+}
+
 void progress(const Texts &texts)
 {
     for (std::size_t i = 1; i < texts.size(); ++i) {
@@ -228,7 +234,7 @@ void progress(const Texts &texts)
 
 void failAtCall(const std::string &number, const std::string &status)
 {
-    if (numberOfCalls() == std::stol(number)) std::_Exit(std::stoi(status));
+    if (numberOfThisCall() == std::stol(number)) std::_Exit(std::stoi(status));
 }
 
 const std::map<std::string, std::function<void(const Texts &)>> behaviours = {
@@ -245,6 +251,7 @@ const std::map<std::string, std::function<void(const Texts &)>> behaviours = {
     {"flood-stderr", [](const Texts &p) { flood(STDERR_FILENO, std::stoll(p.at(0))); }},
     {"pause", [](const Texts &p) { pauseFor(p.at(0)); }},
     {"wait-for-file", [](const Texts &p) { waitForFile(p.at(0)); }},
+    {"wait-for-turn", [](const Texts &p) { waitForTurn(p.at(0)); }},
     {"hang", [](const Texts &) { hang(); }},
     {"ignore-terminate", [](const Texts &) { std::signal(SIGTERM, SIG_IGN); }},
     {"slow-flush", [](const Texts &p) { slowFlush(p.at(0), p.size() > 1 ? p[1] : "255"); }},
@@ -267,7 +274,12 @@ int main(int count, char *words[])
     arguments.assign(words + 1, words + count);
     noteTheCall();
     try {
-        for (const Step &step : readSteps()) {
+        const std::vector<Step> steps = readSteps();
+        // From the beginning, so that the signal may come as soon as a step before it is seen.
+        if (std::any_of(steps.begin(), steps.end(),
+                        [](const Step &step) { return step.name == "slow-flush"; }))
+            std::signal(SIGTERM, [](int) { terminated = 1; });
+        for (const Step &step : steps) {
             const auto behaviour = behaviours.find(step.name);
             if (behaviour == behaviours.end()) refuse("no behaviour is called " + step.name);
             behaviour->second(step.parameters);

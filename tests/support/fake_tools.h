@@ -9,6 +9,7 @@
 //   flood-stdout BYTES, flood-stderr BYTES
 //   pause MILLISECONDS
 //   wait-for-file PATH                    until it is there
+//   wait-for-turn PREFIX                  until PREFIX with the number of this call behind it is there
 //   hang                                  for ever, until a signal ends it
 //   ignore-terminate                      from here on
 //   slow-flush MILLISECONDS [STATUS]      waits for the terminate signal, then so long, then exits (255)

@@ -12,6 +12,10 @@
 
 namespace tessaly::test {
 
+// Milliseconds that anything may take that a test waits for. It comes at once; this is for a machine with
+// other work.
+inline constexpr int waitLimit = 60'000;
+
 class TestCase : public QObject
 {
     Q_OBJECT
@@ -24,6 +28,14 @@ protected Q_SLOTS:
 void prepareProcess();
 
 } // namespace tessaly::test
+
+// Qt's own limit of five seconds is too short for a busy machine.
+#undef QTRY_VERIFY
+#undef QTRY_VERIFY2
+#undef QTRY_COMPARE
+#define QTRY_VERIFY(condition) QTRY_VERIFY_WITH_TIMEOUT((condition), tessaly::test::waitLimit)
+#define QTRY_VERIFY2(condition, text) QTRY_VERIFY2_WITH_TIMEOUT((condition), text, tessaly::test::waitLimit)
+#define QTRY_COMPARE(actual, expected) QTRY_COMPARE_WITH_TIMEOUT((actual), expected, tessaly::test::waitLimit)
 
 #define TESSALY_TEST_RUN(Application, Class)                                                                 \
     int main(int argc, char *argv[])                                                                         \

@@ -80,7 +80,7 @@ void AlertLookTest::showsDetailsWhenAsked()
     alert.detailsText = u"line 1\nline 2"_s;
     stage.begin(alert);
     QMessageBox *box = stage.box();
-    QVERIFY(QTest::qWaitForWindowActive(box));
+    QVERIFY(QTest::qWaitForWindowActive(box, waitLimit));
     const auto *details = box->findChild<QTextEdit *>();
     QVERIFY(!details->isVisible());
     const QList<QAbstractButton *> buttons = box->buttons();
@@ -177,7 +177,7 @@ void AlertLookTest::fitsOnTheScreen()
     alert.detailsText = name;
     stage.begin(alert);
     const QMessageBox *box = stage.box();
-    QVERIFY(QTest::qWaitForWindowExposed(stage.box()));
+    QVERIFY(QTest::qWaitForWindowExposed(stage.box(), waitLimit));
     QVERIFY(box->screen()->availableGeometry().contains(box->frameGeometry()));
     for (const QString &text : {alert.messageText, alert.informativeText}) {
         const QLabel *label = labelOf(box, withBreaksInLongWords(text));

@@ -243,7 +243,7 @@ void AlertTest::answersKeys()
     QFETCH(const int, response);
     Stage stage;
     stage.begin(stage.alert(titles));
-    QVERIFY(QTest::qWaitForWindowActive(stage.box()));
+    QVERIFY(QTest::qWaitForWindowActive(stage.box(), waitLimit));
     QPointer<QMessageBox> box = stage.box();
     press(box, key);
     if (response != noAnswer) {
@@ -279,7 +279,7 @@ void AlertTest::answersOnceForManyKeys()
 {
     Stage stage;
     stage.begin(stage.alert({u"Replace"_s, u"Cancel"_s}));
-    QVERIFY(QTest::qWaitForWindowActive(stage.box()));
+    QVERIFY(QTest::qWaitForWindowActive(stage.box(), waitLimit));
     const QPointer<QMessageBox> box = stage.box();
     buttonOf(box, 1001)->animateClick();
     buttonOf(box, 1000)->click();
@@ -332,18 +332,18 @@ void AlertTest::stacksASecondAlertOnTheFirst()
     Stage stage;
     stage.alert().beginSheet(&stage.window, [&](int) { stage.responses << 1; });
     const QPointer<QMessageBox> first = stage.box();
-    QVERIFY(QTest::qWaitForWindowActive(first));
+    QVERIFY(QTest::qWaitForWindowActive(first, waitLimit));
     stage.alert().beginSheet(&stage.window, [&](int) { stage.responses << 2; });
     const QPointer<QMessageBox> second = stage.box();
     QVERIFY(second != first);
-    QVERIFY(QTest::qWaitForWindowActive(second));
+    QVERIFY(QTest::qWaitForWindowActive(second, waitLimit));
     press(first, Qt::Key_Return);
     QCoreApplication::processEvents();
     QCOMPARE(stage.responses, QList<int>());
     press(second, Qt::Key_Return);
     QTRY_COMPARE(stage.responses, QList<int>{2});
     QVERIFY(first->isVisible());
-    QVERIFY(QTest::qWaitForWindowActive(first));
+    QVERIFY(QTest::qWaitForWindowActive(first, waitLimit));
     press(first, Qt::Key_Return);
     QTRY_COMPARE(stage.responses, (QList<int>{2, 1}));
     QTRY_VERIFY(stage.boxes().isEmpty());

@@ -174,7 +174,7 @@ void ImageDropViewTest::paintsANewImageOnTheScreen()
     ImageDropView view;
     view.resize(50, 50);
     view.show();
-    QVERIFY(QTest::qWaitForWindowExposed(&view));
+    QVERIFY(QTest::qWaitForWindowExposed(&view, test::waitLimit));
     QScreen *screen = view.screen();
     const auto onScreen = [&] { return screen->grabWindow(view.winId()).toImage().pixel(25, 25); };
     view.setImage(plain({10, 10}));

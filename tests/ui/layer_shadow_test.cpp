@@ -224,7 +224,7 @@ void LayerShadowTest::keepsTheScreenRight()
     QLabel label(u"Text"_s, &stage.view);
     label.setGeometry(20, 10, 60, 30);
     stage.window.show();
-    QVERIFY(QTest::qWaitForWindowExposed(&stage.window));
+    QVERIFY(QTest::qWaitForWindowExposed(&stage.window, waitLimit));
     const auto screenIsRight = [&] { return screenPictureOf(&stage.window) == pictureOf(&stage.window); };
     const QImage bare = pictureOf(&stage.window);
 

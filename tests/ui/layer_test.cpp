@@ -286,7 +286,7 @@ void LayerTest::paintsLayersInsideLayers()
                                               .shadowOpacity = 1.0F,
                                               .shadowRadius = 0.0});
     stage.window.show();
-    QVERIFY(QTest::qWaitForWindowExposed(&stage.window));
+    QVERIFY(QTest::qWaitForWindowExposed(&stage.window, waitLimit));
     QTRY_VERIFY(screenPictureOf(&stage.window) == pictureOf(&stage.window));
     const QImage picture = pictureOf(&stage.window);
     QCOMPARE(picture, expectedPicture(picture, [](QPainter &painter) {
@@ -308,7 +308,7 @@ void LayerTest::paintsOnAWindowsOwnGround()
     window.setPalette(palette);
     ViewLayer::wantedFor(&window)->setValues({.backgroundColor = QColor(0, 0, 0, 128), .borderWidth = 5.0});
     window.show();
-    QVERIFY(QTest::qWaitForWindowExposed(&window));
+    QVERIFY(QTest::qWaitForWindowExposed(&window, waitLimit));
     QTRY_COMPARE(colorAt(screenPictureOf(&window), 4.9, 65.0), QColor(Qt::black));
     const QColor inside = colorAt(screenPictureOf(&window), 5.1, 65.0);
     QVERIFY2(std::abs(inside.red() - 20) <= 1 && std::abs(inside.green() - 80) <= 1,
@@ -324,7 +324,7 @@ void LayerTest::survivesAView0PointsWide()
                     .cornerRadius = 5.0,
                     .shadowOpacity = 1.0F});
     stage.window.show();
-    QVERIFY(QTest::qWaitForWindowExposed(&stage.window));
+    QVERIFY(QTest::qWaitForWindowExposed(&stage.window, waitLimit));
     const QImage picture = pictureOf(&stage.window);
     QCOMPARE(picture, plainPicture(picture, ground));
 }

@@ -138,18 +138,18 @@ void NumberFieldEditTest::leavingForAMenuOrAnotherWindowKeepsTheEdit()
     QWidget other;
     other.show();
     other.activateWindow();
-    QVERIFY(QTest::qWaitForWindowActive(&other));
+    QVERIFY(QTest::qWaitForWindowActive(&other, waitLimit));
     QVERIFY(!fixture.width.hasFocus());
     QCOMPARE(fixture.widthCommitted.count(), 0);
     fixture.window.activateWindow();
-    QVERIFY(QTest::qWaitForWindowActive(&fixture.window));
+    QVERIFY(QTest::qWaitForWindowActive(&fixture.window, waitLimit));
     QVERIFY(fixture.width.hasFocus());
     QVERIFY(fixture.width.hasOpenEdit());
 
     QMenu menu;
     menu.addAction(u"Something"_s);
     menu.popup(fixture.window.mapToGlobal(QPoint(20, 20)));
-    QVERIFY(QTest::qWaitForWindowExposed(&menu));
+    QVERIFY(QTest::qWaitForWindowExposed(&menu, waitLimit));
     QCOMPARE(fixture.widthCommitted.count(), 0);
     menu.close();
 
@@ -256,7 +256,7 @@ void NumberFieldEditTest::escapeInAnUnchangedFieldPassesOn()
     parent.show();
     field.setFocus();
     parent.activateWindow();
-    QVERIFY(QTest::qWaitForWindowActive(&parent));
+    QVERIFY(QTest::qWaitForWindowActive(&parent, waitLimit));
     QTest::keyClick(parent.windowHandle(), Qt::Key_5);
     QTest::keyClick(parent.windowHandle(), Qt::Key_Escape);
     QCOMPARE(parent.escapes, 0);

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "pointer.h"
+#include "support/test_case.h"
 #include "ui/number_field.h"
 
 #include <QSignalSpy>
@@ -21,7 +22,7 @@ struct NumberFieldFixture
         window.show();
         width.setFocus();
         window.activateWindow();
-        if (!QTest::qWaitForWindowActive(&window)) qFatal("the window does not become active");
+        if (!QTest::qWaitForWindowActive(&window, waitLimit)) qFatal("the window does not become active");
         width.selectAll(); // as after the Tab key
     }
 

@@ -157,7 +157,7 @@ void OpenPanelTest::takesReturn()
 {
     PanelDriver driver;
     begin(driver);
-    QVERIFY(QTest::qWaitForWindowActive(driver.panel()));
+    QVERIFY(QTest::qWaitForWindowActive(driver.panel(), test::waitLimit));
     driver.type(u"clip.mp4"_s);
     QTRY_VERIFY(driver.acceptButton()->isEnabled());
     QTest::keyClick(driver.nameField(), Qt::Key_Return);

@@ -126,7 +126,7 @@ void OutletTest::endsTheProgramWhenNotConnected()
     QFETCH(const QString, way);
     QProcess child;
     child.start(QCoreApplication::applicationFilePath(), {useUnconnected, way});
-    QVERIFY(child.waitForFinished());
+    QVERIFY(child.waitForFinished(test::waitLimit));
     QCOMPARE(child.exitStatus(), QProcess::CrashExit);
     const QByteArray said = child.readAllStandardError();
     QVERIFY2(said.contains("The outlet \"widthTF\" is not connected"), said.constData());

@@ -1,6 +1,8 @@
 // A file panel under a window, driven as a person drives it.
 #pragma once
 
+#include "support/test_case.h"
+
 #include <QAbstractButton>
 #include <QAbstractItemView>
 #include <QDialogButtonBox>
@@ -56,7 +58,7 @@ public:
         panel()->activateWindow();
         nameField()->setCompleter(nullptr); // its popup comes at any time and would swallow the click
         nameField()->setFocus();
-        QVERIFY(QTest::qWaitForWindowActive(panel()));
+        QVERIFY(QTest::qWaitForWindowActive(panel(), waitLimit));
         nameField()->selectAll();
         QTest::keyClick(nameField(), Qt::Key_Delete);
         QTest::keyClicks(nameField(), name);
@@ -64,10 +66,7 @@ public:
 
     void click(QAbstractButton *target) { QTest::mouseClick(target, Qt::LeftButton); }
 
-    void accept()
-    {
-        click(acceptButton());
-    }
+    void accept() { click(acceptButton()); }
 
     QStringList listed()
     {

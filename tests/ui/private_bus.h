@@ -1,6 +1,8 @@
 // A message bus of the test's own, on which no program of the desktop answers.
 #pragma once
 
+#include "support/test_case.h"
+
 #include <QDBusConnection>
 #include <QFile>
 #include <QProcess>
@@ -25,7 +27,7 @@ public:
                        {QStringLiteral("--nofork"), QStringLiteral("--print-address"),
                         QStringLiteral("--config-file=") + config.fileName()});
         while (!m_daemon.canReadLine()) {
-            if (!m_daemon.waitForReadyRead()) return false;
+            if (!m_daemon.waitForReadyRead(waitLimit)) return false;
         }
         m_address = QString::fromLatin1(m_daemon.readLine().trimmed());
         return true;
@@ -41,7 +43,7 @@ public:
     ~PrivateBus()
     {
         m_daemon.kill();
-        m_daemon.waitForFinished();
+        m_daemon.waitForFinished(waitLimit);
     }
 
 private:

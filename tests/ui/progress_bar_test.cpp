@@ -3,8 +3,10 @@
 #include "support/test_case.h"
 
 #include <QAccessible>
+#include <QSignalSpy>
 #include <QStyle>
 #include <QStyleOptionProgressBar>
+#include <QTimer>
 
 #include <cmath>
 #include <limits>

@@ -25,7 +25,7 @@ struct Fixture
         button.setGeometry(10, 10, 100, 30);
         window.show();
         window.activateWindow();
-        if (!QTest::qWaitForWindowActive(&window)) qFatal("the window does not become active");
+        if (!QTest::qWaitForWindowActive(&window, waitLimit)) qFatal("the window does not become active");
         title->setText(u"Resizing Video..."_s);
         cancel->show();
     }
@@ -34,7 +34,7 @@ struct Fixture
     {
         sheet.beginSheet(&window);
         sheet.activateWindow();
-        if (!QTest::qWaitForWindowActive(&sheet)) qFatal("the sheet does not become active");
+        if (!QTest::qWaitForWindowActive(&sheet, waitLimit)) qFatal("the sheet does not become active");
     }
     void key(Qt::Key key) { QTest::keyClick(sheet.windowHandle(), key); }
 

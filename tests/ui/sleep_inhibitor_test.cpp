@@ -134,7 +134,7 @@ private Q_SLOTS:
         program.start(QStringLiteral(TESSALY_SLEEP_HOLDER), {m_bus.address()});
         QTRY_VERIFY(m_manager.isHeld());
         program.kill();
-        QVERIFY(program.waitForFinished());
+        QVERIFY(program.waitForFinished(test::waitLimit));
         QTRY_VERIFY(!m_manager.isHeld());
     }
 

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "pointer.h"
+#include "support/test_case.h"
 #include "ui/slider.h"
 
 #include <QApplication>
@@ -49,7 +50,7 @@ struct SliderFixture
         window.show();
         slider->setFocus();
         window.activateWindow();
-        if (!QTest::qWaitForWindowActive(&window)) qFatal("the window does not become active");
+        if (!QTest::qWaitForWindowActive(&window, waitLimit)) qFatal("the window does not become active");
     }
 
     void turnWheel(int eighthsOfDegree, bool inverted = false)

@@ -141,7 +141,7 @@ void TrackingAreaTest::tracksInAWindowThatIsNotActive()
     other.setGeometry(400, 400, 50, 50);
     other.show();
     other.activateWindow();
-    QVERIFY(QTest::qWaitForWindowActive(&other));
+    QVERIFY(QTest::qWaitForWindowActive(&other, test::waitLimit));
     QVERIFY(!stage.window.isActiveWindow());
     stage.moveTo({10, 10});
     QCOMPARE(stage.owner.heard, QStringList{u"entered 10,10"_s});

@@ -13,8 +13,12 @@ target_compile_options(
             -Woverloaded-virtual
             -Wcast-align
             -Wformat=2
+            -Wconversion
+            -Wold-style-cast
             -Wno-missing-field-initializers # a designated initializer leaves the rest at its default on purpose
-            -fstack-protector-strong)
+            -fstack-protector-strong
+            # One setting for libraries and programs (for these CMake says -fPIE before it): they share precompiled headers.
+            -fPIC)
 target_compile_definitions(
   tessaly_rules
   INTERFACE _GLIBCXX_ASSERTIONS

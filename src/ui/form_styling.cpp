@@ -33,6 +33,12 @@ std::optional<double> readNumber(const QVariant &value)
     return ok ? std::optional(number) : std::nullopt;
 }
 
+std::optional<float> readOpacity(const QVariant &value)
+{
+    const std::optional<double> number = readNumber(value);
+    return number ? std::optional(static_cast<float>(*number)) : std::nullopt;
+}
+
 std::optional<QSizeF> readSize(const QVariant &value)
 {
     if (!value.isValid()) return QSizeF(0.0, 0.0);
@@ -91,7 +97,7 @@ constexpr std::array properties{
                     readColorValue<&ViewStyling::shadowColor>},
     StylingProperty{"shadowOffset", write<readSize, &ViewStyling::setShadowOffset>,
                     read<&ViewStyling::shadowOffset>},
-    StylingProperty{"shadowOpacity", write<readNumber, &ViewStyling::setShadowOpacity>,
+    StylingProperty{"shadowOpacity", write<readOpacity, &ViewStyling::setShadowOpacity>,
                     read<&ViewStyling::shadowOpacity>},
     StylingProperty{"shadowRadius", write<readNumber, &ViewStyling::setShadowRadius>,
                     read<&ViewStyling::shadowRadius>},

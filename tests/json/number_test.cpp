@@ -1,5 +1,5 @@
-#include "json/number.h"
 #include "json_test_case.h"
+#include "json/number.h"
 
 #include <cmath>
 #include <limits>

@@ -7,12 +7,15 @@
 #include <QFileDialog>
 #include <QFileIconProvider>
 #include <QFileInfo>
+#include <QHeaderView>
 #include <QLineEdit>
 #include <QListView>
 #include <QMessageBox>
 #include <QMimeDatabase>
 #include <QPushButton>
+#include <QSplitter>
 #include <QStandardPaths>
+#include <QTreeView>
 
 namespace tessaly {
 
@@ -84,6 +87,7 @@ public:
         setAttribute(Qt::WA_DeleteOnClose);
         setOption(QFileDialog::DontUseNativeDialog);
         setIconProvider(namesOnlyIcons());
+        makeRoom();
         setSidebarUrls(places());
         setWindowTitle(title);
         setDirectory(!directory.isEmpty() && QFileInfo(directory).isDir() ? directory : QDir::homePath());
@@ -129,6 +133,20 @@ protected:
     }
 
 private:
+    // For whole names of places, and whole columns.
+    void makeRoom()
+    {
+        constexpr QSize inLetters(90, 28);
+        resize(inLetters.width() * fontMetrics().averageCharWidth(),
+               inLetters.height() * fontMetrics().height());
+        auto *splitter = findChild<QSplitter *>(u"splitter"_s);
+        splitter->setSizes({width() / 4, width() * 3 / 4});
+        QHeaderView *columns = findChild<QTreeView *>(u"treeView"_s)->header();
+        columns->setStretchLastSection(false);
+        columns->setSectionResizeMode(QHeaderView::ResizeToContents);
+        columns->setSectionResizeMode(0, QHeaderView::Stretch);
+    }
+
     QLineEdit *nameField() const { return findChild<QLineEdit *>(u"fileNameEdit"_s); }
     QListView *list() const { return findChild<QListView *>(u"listView"_s); }
     bool holdsQuotationMark() const { return nameField()->text().contains(u'"'); }
@@ -216,6 +234,7 @@ void SavePanel::beginSheet(QWidget *window, PanelCompletion completion) const
     auto *dialog = new SaveDialog(window, title, directory);
     dialog->setObjectName(u"savePanel"_s);
     dialog->setAcceptMode(QFileDialog::AcceptSave);
+    dialog->setLabelText(QFileDialog::LookIn, u"Save in:"_s);
     if (!requiredFileType.isEmpty())
         dialog->setNameFilter(u"%1 (*.%2)"_s.arg(requiredFileType.toUpper(), requiredFileType));
     dialog->selectFile(nameFieldStringValue);

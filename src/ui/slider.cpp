@@ -5,6 +5,7 @@
 #include <QMouseEvent>
 #include <QStyle>
 #include <QStyleOptionSlider>
+#include <QStylePainter>
 #include <QWheelEvent>
 
 #include <algorithm>
@@ -16,7 +17,12 @@ namespace {
 
 constexpr double mostPositions = 1e9; // on either side of zero, so that their difference still fits an int
 
-constexpr int lessThanInk = 130; // percent, as QColor::darker() takes it
+// Styles that put the handle above the ticks ask for less than they paint.
+constexpr QSize roomForHandle(0, 6);
+
+constexpr int tickDistance = 3; // pixels at 100 % screen scale, from the handle
+constexpr int tickLength = 4;
+constexpr float tickStrength = 0.6F; // of the ink
 
 bool canBeCounted(double value, int positionsPerUnit)
 {
@@ -84,6 +90,11 @@ void Slider::setStringValue(const QString &text)
     setDoubleValue(doubleFromText(text));
 }
 
+QSize Slider::sizeHint() const
+{
+    return QSlider::sizeHint() + roomForHandle;
+}
+
 AccessibleValue Slider::accessibleValue() const
 {
     const double shown = std::round(m_value * m_positionsPerUnit) / m_positionsPerUnit;
@@ -103,8 +114,39 @@ void Slider::initStyleOption(QStyleOptionSlider *option) const
     // Styles draw ticks and outlines in a darker shade of the window: on a dark one nobody would see them.
     const QColor ground = option->palette.color(QPalette::Window);
     const QColor ink = option->palette.color(QPalette::WindowText);
-    if (ground.lightness() < ink.lightness())
-        option->palette.setColor(QPalette::Window, ink.darker(lessThanInk));
+    if (ground.lightness() < ink.lightness()) option->palette.setColor(QPalette::Window, ink);
+}
+
+// Styles draw the ticks in the shade of the groove's filled part, too faint on a dark ground.
+void Slider::paintEvent(QPaintEvent *)
+{
+    QStylePainter painter(this);
+    QStyleOptionSlider option;
+    initStyleOption(&option);
+    option.subControls = QStyle::SC_SliderGroove | QStyle::SC_SliderHandle;
+    if (isSliderDown()) {
+        option.activeSubControls = QStyle::SC_SliderHandle;
+        option.state |= QStyle::State_Sunken;
+    }
+    painter.drawComplexControl(QStyle::CC_Slider, option);
+    if (tickPosition() != NoTicks) drawTicks(painter, option);
+}
+
+void Slider::drawTicks(QPainter &painter, const QStyleOptionSlider &option) const
+{
+    const QRect handle = style()->subControlRect(QStyle::CC_Slider, &option, QStyle::SC_SliderHandle, this);
+    const int span = style()->pixelMetric(QStyle::PM_SliderSpaceAvailable, &option, this);
+    const int first =
+        handle.left() + handle.width() / 2 -
+        QStyle::sliderPositionFromValue(minimum(), maximum(), sliderPosition(), span, option.upsideDown);
+    const int step = std::max(1, tickInterval() > 0 ? tickInterval() : pageStep());
+    QColor colour = palette().color(QPalette::WindowText);
+    colour.setAlphaF(tickStrength);
+    for (int position = minimum(); position <= maximum(); position += step) {
+        const int x =
+            first + QStyle::sliderPositionFromValue(minimum(), maximum(), position, span, option.upsideDown);
+        painter.fillRect(x, handle.bottom() + tickDistance, 1, tickLength, colour);
+    }
 }
 
 void Slider::mousePressEvent(QMouseEvent *event)

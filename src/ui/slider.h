@@ -53,6 +53,8 @@ public:
     void setIntegerValue(qint64 value);
     void setStringValue(const QString &text); // read as doubleFromText() does
 
+    QSize sizeHint() const override;
+
     QAccessible::Role accessibleRole() const override { return QAccessible::Slider; }
     AccessibleValue accessibleValue() const override;
     void setValueByUser(double value) override;
@@ -63,6 +65,7 @@ Q_SIGNALS:
 
 protected:
     void initStyleOption(QStyleOptionSlider *option) const override;
+    void paintEvent(QPaintEvent *event) override;
     void mousePressEvent(QMouseEvent *event) override;
     void wheelEvent(QWheelEvent *event) override;
 
@@ -74,6 +77,7 @@ private:
     using QSlider::setSliderPosition;
     using QSlider::setValue;
 
+    void drawTicks(QPainter &painter, const QStyleOptionSlider &option) const;
     void followAction(int action);
     double valueAskedFor(int action) const;
     double valueUnderMouse() const;

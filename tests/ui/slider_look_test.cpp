@@ -10,14 +10,41 @@ using namespace Qt::StringLiterals;
 using namespace tessaly;
 using namespace tessaly::test;
 
+namespace {
+
+// As the guidelines for accessible contents of the web define it.
+double luminance(const QColor &color)
+{
+    const auto linear = [](double part) {
+        return part <= 0.04045 ? part / 12.92 : std::pow((part + 0.055) / 1.055, 2.4);
+    };
+    return 0.2126 * linear(color.redF()) + 0.7152 * linear(color.greenF()) + 0.0722 * linear(color.blueF());
+}
+
+double mostContrast(const QImage &image, const QColor &ground)
+{
+    double most = 1;
+    for (int y = 0; y < image.height(); ++y) {
+        for (int x = 0; x < image.width(); ++x) {
+            const auto [darker, lighter] =
+                std::minmax({luminance(image.pixelColor(x, y)), luminance(ground)});
+            most = std::max(most, (lighter + 0.05) / (darker + 0.05));
+        }
+    }
+    return most;
+}
+
+} // namespace
+
 class SliderLookTest : public tessaly::test::TestCase
 {
     Q_OBJECT
 
 private Q_SLOTS:
     void posterSliderDrawsTicks();
-    void ticksStandOutFromTheGround_data();
-    void ticksStandOutFromTheGround();
+    void cutsNothingOffAtItsOwnHeight();
+    void handleAndTicksStandOutFromTheGround_data();
+    void handleAndTicksStandOutFromTheGround();
     void drawsTheHandleAtTheValue();
     void tellsAssistiveTechnologyTheValue();
     void assistiveTechnologySetsTheValueLikeAPerson();
@@ -42,7 +69,7 @@ void SliderLookTest::posterSliderDrawsTicks()
     QVERIFY(with != without);
 }
 
-void SliderLookTest::ticksStandOutFromTheGround_data()
+void SliderLookTest::handleAndTicksStandOutFromTheGround_data()
 {
     QTest::addColumn<QColor>("ground");
     QTest::addColumn<QColor>("ink");
@@ -50,7 +77,7 @@ void SliderLookTest::ticksStandOutFromTheGround_data()
     QTest::newRow("dark") << QColor(45, 45, 48) << QColor(Qt::white);
 }
 
-void SliderLookTest::ticksStandOutFromTheGround()
+void SliderLookTest::handleAndTicksStandOutFromTheGround()
 {
     QFETCH(QColor, ground);
     QFETCH(QColor, ink);
@@ -63,11 +90,30 @@ void SliderLookTest::ticksStandOutFromTheGround()
     fixture.slider->setTickInterval(1);
     fixture.slider->setTickPosition(QSlider::TicksBelow);
     const QImage image = fixture.slider->grab().toImage();
-    int contrast = 0;
-    for (int y = fixture.slider->handle().bottom() + 2; y < image.height(); ++y)
-        for (int x = 0; x < image.width(); ++x)
-            contrast = std::max(contrast, std::abs(image.pixelColor(x, y).lightness() - ground.lightness()));
-    QVERIFY2(contrast > 30, qPrintable(QString::number(contrast)));
+    const QRect handle = fixture.slider->handle();
+    const QRect belowHandle(0, handle.bottom() + 2, image.width(), image.height() - handle.bottom() - 2);
+    for (const QRect &part : {handle, belowHandle}) {
+        const double contrast = mostContrast(image.copy(part), ground);
+        QVERIFY2(contrast >= 3, qPrintable(QString::number(contrast)));
+    }
+}
+
+void SliderLookTest::cutsNothingOffAtItsOwnHeight()
+{
+    SliderFixture fixture(1, 11);
+    fixture.slider->setTickPosition(QSlider::TicksBelow);
+    const auto paintedRows = [&](int height) {
+        fixture.slider->resize(fixture.slider->width(), height);
+        const QImage image = fixture.slider->grab().toImage();
+        const int x = fixture.slider->handle().center().x();
+        int rows = 0;
+        for (int y = 0; y < image.height(); ++y)
+            rows += image.pixel(x, y) != image.pixel(0, 0);
+        return rows;
+    };
+    const int own = fixture.slider->sizeHint().height();
+    QCOMPARE(fixture.slider->minimumSizeHint().height(), own);
+    QCOMPARE(paintedRows(own), paintedRows(own + 20));
 }
 
 void SliderLookTest::drawsTheHandleAtTheValue()

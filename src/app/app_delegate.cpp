@@ -62,6 +62,7 @@ void AppDelegate::resetInterface()
 
     window->showFileName({});
     window->showStatus({});
+    if (posterView->image().isNull()) window->showPosterText(MainWindow::PosterText::howToOpen);
 }
 
 void AppDelegate::removeTemporaryWorkspace()

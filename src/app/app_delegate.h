@@ -152,6 +152,7 @@ private:
     void connectOutlets(MainWindow *form);
     void connectActions(MainWindow *form);
     void refuse(Refusal refusal);
+    void showPercent(double percent);
     bool isTheInput(const QString &outputPath) const;
     void runConverter(ResizeJob &job, const QString &outputPath);
     void stopJobForGood();

@@ -4,6 +4,7 @@
 #include "platform/termination_watch.h"
 #include "platform/utf8_locale.h"
 #include "ui/unmanaged_focus.h"
+#include "ui/window_memory.h"
 
 #include <QApplication>
 
@@ -26,6 +27,9 @@ int main(int argc, char *argv[])
     application->installEventFilter(&delegate);
     removeDeadSiblings();
     delegate.applicationDidFinishLaunching(application.get());
+    restoreWindowSize(&window, windowMemoryFile());
     window.show();
-    return QApplication::exec();
+    const int status = QApplication::exec();
+    rememberWindowSize(&window, windowMemoryFile());
+    return status;
 }

@@ -3,7 +3,7 @@
 #include "platform/busy_input.h"
 #include "platform/child_process.h"
 #include "platform/paths.h"
-#include "probe/file_facts.h"
+#include "probe/facts_text.h"
 #include "ui/alert.h"
 #include "ui/file_panels.h"
 
@@ -65,6 +65,7 @@ void AppDelegate::openVideo(const QUrl &url)
 void AppDelegate::refuse(Refusal refusal)
 {
     window->showStatus(globalFP->proberFailure.value_or(QString()));
+    posterView->setDimmed(true); // the picture that stays is not that of this file
     if (refusal == Refusal::dvdFile) {
         showAlert(u"Tessaly cannot open .VOB files."_s, u"Questions? : "_s + supportAddress);
         return;
@@ -107,7 +108,7 @@ void AppDelegate::showInputResolution()
 
 void AppDelegate::showInputFacts()
 {
-    window->showStatus(u"%1, %2"_s.arg(durationHuman(globalFP->duration), *globalFP->fileSizeHuman));
+    window->showStatus(factsText(*globalFP));
 }
 
 } // namespace tessaly

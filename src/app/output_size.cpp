@@ -4,6 +4,8 @@
 #include "app/app_delegate.h"
 #include "jobs/frame_size.h"
 
+#include <cmath>
+
 namespace tessaly {
 
 using namespace Qt::StringLiterals;
@@ -28,6 +30,13 @@ void lowerToEven(NumberField &field)
 }
 
 } // namespace
+
+// The slider stops at its end; the text beside it goes on.
+void AppDelegate::showPercent(double percent)
+{
+    sizeSLDR->setDoubleValue(percent);
+    window->showPercent(std::isfinite(percent) ? percent : sizeSLDR->doubleValue());
+}
 
 void AppDelegate::proportionalCBXClicked(QObject *)
 {
@@ -69,6 +78,7 @@ void AppDelegate::applyProportionalState()
     currentFocussedTF = u"None"_s;
     setSide(*widthTF, scaledSide(originalWidth, sizeSLDR->doubleValue()));
     setSide(*heightTF, scaledSide(originalHeight, sizeSLDR->doubleValue()));
+    window->showPercent(sizeSLDR->doubleValue());
 }
 
 void AppDelegate::applySliderValue()
@@ -85,7 +95,7 @@ void AppDelegate::updateFromWidth()
     lowerToEven(*widthTF);
     if (sliderTitleLBL->text() == scaleCaption)
         setSide(*heightTF, heightFollowing(widthTF->doubleValue(), originalRatio));
-    sizeSLDR->setDoubleValue(percentOf(widthTF->doubleValue(), originalWidth));
+    showPercent(percentOf(widthTF->doubleValue(), originalWidth));
 }
 
 void AppDelegate::updateFromHeight()
@@ -93,7 +103,7 @@ void AppDelegate::updateFromHeight()
     lowerToEven(*heightTF);
     if (sliderTitleLBL->text() == scaleCaption)
         setSide(*widthTF, widthFollowing(heightTF->doubleValue(), originalRatio));
-    sizeSLDR->setDoubleValue(percentOf(heightTF->doubleValue(), originalHeight));
+    showPercent(percentOf(heightTF->doubleValue(), originalHeight));
 }
 
 void AppDelegate::selectWidthField()
@@ -102,7 +112,7 @@ void AppDelegate::selectWidthField()
         sliderTitleLBL->setText(widthCaption);
         currentFocussedTF = u"WidthTF"_s;
     }
-    sizeSLDR->setDoubleValue(percentOf(widthTF->doubleValue(), originalWidth));
+    showPercent(percentOf(widthTF->doubleValue(), originalWidth));
 }
 
 void AppDelegate::selectHeightField()
@@ -111,7 +121,7 @@ void AppDelegate::selectHeightField()
         sliderTitleLBL->setText(heightCaption);
         currentFocussedTF = u"HeightTF"_s;
     }
-    sizeSLDR->setDoubleValue(percentOf(heightTF->doubleValue(), originalHeight));
+    showPercent(percentOf(heightTF->doubleValue(), originalHeight));
 }
 
 } // namespace tessaly

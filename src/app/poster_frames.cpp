@@ -15,6 +15,14 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
+bool thereAreStills()
+{
+    for (int number = 1; number <= posterFrameCount; ++number) {
+        if (isStill(posterFramePath(number))) return true;
+    }
+    return false;
+}
+
 // A link in its place is removed, not followed.
 void remakeFolder(const QString &path)
 {
@@ -62,8 +70,10 @@ void AppDelegate::posterPositionSliderChanged(QObject *)
 
 void AppDelegate::showPosterFrame(int number)
 {
+    using enum MainWindow::PosterText;
     posterView->setImage(stillFromFile(posterFramePath(number)));
-    window->showDropHint(posterView->image().isNull());
+    const bool isMissing = posterView->image().isNull();
+    window->showPosterText(!isMissing ? none : thereAreStills() ? otherStills : noPreview);
 }
 
 } // namespace tessaly

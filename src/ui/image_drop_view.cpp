@@ -60,6 +60,13 @@ void ImageDropView::setImage(const QImage &image)
 {
     m_image = image;
     m_scaledImage = {};
+    m_dimmed = false;
+    update();
+}
+
+void ImageDropView::setDimmed(bool dimmed)
+{
+    m_dimmed = dimmed;
     update();
 }
 
@@ -90,6 +97,8 @@ void ImageDropView::paintEvent(QPaintEvent *)
             QPixmap::fromImage(m_image.scaled(place.size(), Qt::IgnoreAspectRatio, Qt::SmoothTransformation));
     }
     m_scaledImage.setDevicePixelRatio(devicePixels);
+    constexpr qreal faint = 0.3;
+    if (m_dimmed) painter.setOpacity(faint);
     painter.drawPixmap(QPointF(place.topLeft()) / devicePixels, m_scaledImage);
 }
 

@@ -34,6 +34,9 @@ public:
     void setImage(const QImage &image);
     const QImage &image() const { return m_image; }
 
+    // Paints the image faintly, as one that stands for nothing any more, until the next is set.
+    void setDimmed(bool dimmed);
+
     // The file of the last accepted drop.
     const std::optional<QString> &filePath() const { return m_filePath; }
 
@@ -60,6 +63,7 @@ private:
 
     QImage m_image;
     QPixmap m_scaledImage; // what was painted last; null when the image is new
+    bool m_dimmed = false;
     std::optional<QString> m_filePath;
     std::function<bool()> m_dropGuard;
 };

@@ -10,6 +10,7 @@
 #include <QFileInfo>
 #include <QHBoxLayout>
 #include <QScreen>
+#include <QStatusTipEvent>
 #include <QWidgetAction>
 
 namespace tessaly {
@@ -24,9 +25,13 @@ MainWindow::MainWindow(QWidget *parent) : QMainWindow(parent), m_form(std::make_
     addIcons();
     styleHint();
     sizeFields();
+    alignLabels();
     followPercent();
+    followControls();
     applyFormStyling(this);
     new ProgressSheet(this);
+    showPosterText(PosterText::howToOpen);
+    connect(m_form->emptyOpenBTN, &QPushButton::clicked, m_form->openBTN, &QAction::trigger);
     connect(m_form->quitBTN, &QAction::triggered, this, &QWidget::close);
     fitScreen();
 }
@@ -43,6 +48,8 @@ bool MainWindow::event(QEvent *event)
         QObject *poster = m_form->posterView;
         return poster->event(event);
     }
+    case QEvent::StatusTip: // a menu that has nothing to say does not take away what stands there
+        return static_cast<QStatusTipEvent *>(event)->tip().isEmpty() || QMainWindow::event(event);
     default:
         return QMainWindow::event(event);
     }
@@ -63,8 +70,9 @@ void MainWindow::addPosterSlider()
 {
     auto *box = new QWidget;
     box->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Preferred);
-    auto *title = new QLabel(tr("&Frame"), box);
+    m_posterTitle = new QLabel(tr("F&rame"), box);
     auto *slider = new Slider(box);
+    m_posterSlider = slider;
     slider->setObjectName(u"posterPositionSlider"_s);
     slider->setOrientation(Qt::Horizontal);
     slider->setDoubleRange(1, 11);
@@ -76,12 +84,12 @@ void MainWindow::addPosterSlider()
     slider->setMinimumWidth(120);
     slider->setToolTip(tr("Which still of the video is shown"));
     slider->setAccessibleName(tr("Poster frame, 1 to 11"));
-    title->setBuddy(slider);
+    m_posterTitle->setBuddy(slider);
 
     auto *layout = new QHBoxLayout(box);
     layout->setContentsMargins(12, 0, 12, 0);
     layout->addStretch();
-    layout->addWidget(title);
+    layout->addWidget(m_posterTitle);
     layout->addWidget(slider, 1);
     layout->addStretch();
 
@@ -98,36 +106,20 @@ void MainWindow::addIcons()
     m_form->helpBTN->setIcon(symbolIcon(u"help"_s));
 }
 
-void MainWindow::styleHint()
-{
-    // The poster's ground is dark in every colour scheme.
-    QPalette palette = m_form->dropHintLBL->palette();
-    palette.setColor(QPalette::WindowText, QColor(0xc3, 0xc9, 0xd6));
-    m_form->dropHintLBL->setPalette(palette);
-    m_form->dropHintLBL->setAttribute(Qt::WA_TransparentForMouseEvents);
-    QFont font = m_form->dropHintLBL->font();
-    font.setPointSizeF(font.pointSizeF() * 1.25);
-    m_form->dropHintLBL->setFont(font);
-}
-
-void MainWindow::sizeFields()
-{
-    for (NumberField *field : {m_form->widthTF, m_form->heightTF}) {
-        field->setAlignment(Qt::AlignRight);
-        field->setFixedWidth(field->fontMetrics().horizontalAdvance(u"0000000"_s) + 24);
-    }
-    QLabel *percent = m_form->percentLBL;
-    percent->setFixedWidth(percent->fontMetrics().horizontalAdvance(u"200.0 %"_s) + percent->indent() + 4);
-}
-
 // The slider's positions are as fine as the text.
 void MainWindow::followPercent()
 {
-    const auto show = [this] {
-        m_form->percentLBL->setText(QString::number(m_form->sizeSLDR->doubleValue(), 'f', 1) + u" %"_s);
-    };
+    const auto show = [this] { showPercent(m_form->sizeSLDR->doubleValue()); };
     connect(m_form->sizeSLDR, &QSlider::valueChanged, this, show);
     show();
+}
+
+void MainWindow::followControls()
+{
+    for (QWidget *control : std::initializer_list<QWidget *>{m_form->sizeSLDR, m_form->widthTF,
+                                                             m_form->heightTF, m_posterSlider})
+        control->installEventFilter(this);
+    greyCaptions();
 }
 
 void MainWindow::fitScreen()
@@ -146,12 +138,7 @@ void MainWindow::showFileName(const QString &path)
     // "[*]" in a title stands for the mark of a changed document; doubled it stands for itself.
     QString name = QFileInfo(path).fileName();
     name.replace("[*]"_L1, "[*][*]"_L1);
-    setWindowTitle(name + u" - Tessaly"_s);
-}
-
-void MainWindow::showDropHint(bool visible)
-{
-    m_form->dropHintLBL->setVisible(visible);
+    setWindowTitle(name + u" — Tessaly"_s); // as Qt writes it under the other windows' titles
 }
 
 void MainWindow::showStatus(const QString &text)

@@ -5,6 +5,8 @@
 
 #include <memory>
 
+class QLabel;
+
 namespace tessaly {
 
 namespace Ui {
@@ -29,8 +31,14 @@ public:
     // Names the open file in the title bar; without a path there is none.
     void showFileName(const QString &path);
 
-    // Where no picture is shown, a quiet line says how a video comes in.
-    void showDropHint(bool visible);
+    // What stands in the place of a picture: how a video comes in, with a button for it; that there is no
+    // picture of the open video; that there is none of this part of it.
+    enum class PosterText { none, howToOpen, noPreview, otherStills };
+    void showPosterText(PosterText text);
+
+    // The size in percent of the input beside the slider, which cannot go as far. A change of the slider
+    // shows its own value.
+    void showPercent(double percent);
 
     // A quiet fact in the status line, as plain text.
     void showStatus(const QString &text);
@@ -38,16 +46,23 @@ public:
 protected:
     bool event(QEvent *event) override;
     void paintEvent(QPaintEvent *event) override;
+    void changeEvent(QEvent *event) override;
+    bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
     void addPosterSlider();
     void addIcons();
     void styleHint();
     void followPercent();
+    void followControls();
     void sizeFields();
+    void alignLabels();
+    void greyCaptions();
     void fitScreen();
 
     std::unique_ptr<Ui::MainWindowForm> m_form;
+    QLabel *m_posterTitle = nullptr;
+    QWidget *m_posterSlider = nullptr;
     bool m_hasIcon = false;
 };
 

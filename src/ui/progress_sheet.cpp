@@ -77,6 +77,10 @@ void ProgressSheet::beginSheet(QWidget *window)
     setParent(window, windowFlags());
     m_detail->setVisible(!m_cancel->isHidden());
     setWindowTitle(m_title->text());
+    // A label's text is mirrored by the direction of its letters, not by that of the window.
+    const auto side = isRightToLeft() ? Qt::AlignRight : Qt::AlignLeft;
+    for (QLabel *label : {m_title, m_detail})
+        label->setAlignment(Qt::AlignAbsolute | side | Qt::AlignVCenter);
     m_bar->setAccessibleName(m_title->text());
     setFocus(); // not Cancel: a Space that was meant for something else must not throw the work away
     open();     // modal to its parent

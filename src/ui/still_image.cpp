@@ -31,4 +31,10 @@ QImage stillFromFile(const QString &path)
     return reader.read();
 }
 
+bool isStill(const QString &path)
+{
+    const QImageReader reader(path);
+    return reader.canRead() && !isHalfOfAPicture(reader);
+}
+
 } // namespace tessaly

@@ -11,4 +11,7 @@ namespace tessaly {
 // A picture of more than 3840 pixels in a side is read smaller, which also spares the memory. Any thread.
 QImage stillFromFile(const QString &path);
 
+// Whether there is such a picture.
+bool isStill(const QString &path);
+
 } // namespace tessaly

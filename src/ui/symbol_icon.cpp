@@ -21,6 +21,22 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
+QByteArray symbol(const QString &name)
+{
+    useBuiltInIcons();
+    QFile file(u":/icons/%1.svg"_s.arg(name));
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+QImage drawn(QByteArray svg, const QSize &pixels, const QColor &colour)
+{
+    svg.replace("currentColor", colour.name().toLatin1());
+    QBuffer buffer(&svg);
+    QImageReader reader(&buffer, "svg");
+    reader.setScaledSize(pixels);
+    return reader.read();
+}
+
 class SymbolIconEngine : public QIconEngine
 {
 public:
@@ -44,13 +60,7 @@ private:
     {
         const auto group = mode == QIcon::Disabled ? QPalette::Disabled : QPalette::Active;
         const auto role = mode == QIcon::Selected ? QPalette::HighlightedText : QPalette::WindowText;
-        const QColor colour = QGuiApplication::palette().color(group, role);
-        QByteArray svg = m_svg;
-        svg.replace("currentColor", colour.name().toLatin1());
-        QBuffer buffer(&svg);
-        QImageReader reader(&buffer, "svg");
-        reader.setScaledSize(size);
-        return reader.read();
+        return drawn(m_svg, size, QGuiApplication::palette().color(group, role));
     }
 
     QByteArray m_svg;
@@ -60,10 +70,15 @@ private:
 
 QIcon symbolIcon(const QString &name)
 {
-    useBuiltInIcons();
-    QFile file(u":/icons/%1.svg"_s.arg(name));
-    if (!file.open(QIODevice::ReadOnly)) return {};
-    return QIcon(new SymbolIconEngine(file.readAll()));
+    const QByteArray svg = symbol(name);
+    return svg.isEmpty() ? QIcon() : QIcon(new SymbolIconEngine(svg));
+}
+
+QPixmap symbolPixmap(const QString &name, const QSize &size, qreal devicePixelRatio, const QColor &colour)
+{
+    QImage image = drawn(symbol(name), (QSizeF(size) * devicePixelRatio).toSize(), colour);
+    image.setDevicePixelRatio(devicePixelRatio);
+    return QPixmap::fromImage(image);
 }
 
 QIcon applicationIcon()

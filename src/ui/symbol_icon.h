@@ -10,6 +10,9 @@ namespace tessaly {
 // follows a change between light and dark; greyed when disabled.
 QIcon symbolIcon(const QString &name);
 
+// The same symbol in one colour, of this size in points.
+QPixmap symbolPixmap(const QString &name, const QSize &size, qreal devicePixelRatio, const QColor &colour);
+
 // What the desktop shows for the program.
 QIcon applicationIcon();
 

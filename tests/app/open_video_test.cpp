@@ -66,7 +66,7 @@ private Q_SLOTS:
         QCOMPARE(delegate.originalRatio, 1919.0 / 1080.0);
         QVERIFY(!app->find<QLabel>("dropHintLBL")->isVisible());
         QVERIFY(!delegate.progressWindow->isVisible());
-        QCOMPARE(app->window.windowTitle(), u"odd clip.mp4 - Tessaly"_s);
+        QCOMPARE(app->window.windowTitle(), u"odd clip.mp4 — Tessaly"_s);
         QCOMPARE(app->window.windowFilePath(), app->folder.filePath(u"odd clip.mp4"_s));
     }
 
@@ -74,8 +74,8 @@ private Q_SLOTS:
     {
         QTest::addColumn<Qt::LayoutDirection>("direction");
         QTest::addColumn<QString>("status");
-        QTest::newRow("left to right") << Qt::LeftToRight << u"00:00:12.00, Zero KB"_s;
-        QTest::newRow("right to left") << Qt::RightToLeft << u"\u200e00:00:12.00, Zero KB"_s;
+        QTest::newRow("left to right") << Qt::LeftToRight << u"12 s - VP9 - 25 frames/s - Zero KB"_s;
+        QTest::newRow("right to left") << Qt::RightToLeft << u"\u200e12 s - VP9 - 25 frames/s - Zero KB"_s;
     }
     void theStatusLineReadsFromTheLeftInEveryLayout()
     {
@@ -180,6 +180,14 @@ private Q_SLOTS:
         QVERIFY(!before.isNull());
         app->drop(app->makeFile(u"clip.vob"_s));
         QCOMPARE(app->delegate.posterView->image(), before);
+        const auto painted = [this] {
+            const QImage picture = app->delegate.posterView->grab().toImage();
+            return picture.pixelColor(picture.rect().center());
+        };
+        QVERIFY2(painted().red() < 160, qPrintable(painted().name())); // dimmed
+        app->answerAlert();
+        app->openSize(320, 180);
+        QVERIFY2(painted().red() > 240, qPrintable(painted().name()));
     }
 
     void alertsAreAnsweredByReturnAndByEscape()
@@ -291,7 +299,7 @@ private Q_SLOTS:
         app->letProberReport(640, 360);
         app->drop(app->makeFile(name));
         // What the window manager is told: the text without Qt's placeholders.
-        QCOMPARE(app->window.windowHandle()->title(), name + u" - Tessaly"_s);
+        QCOMPARE(app->window.windowHandle()->title(), name + u" — Tessaly"_s);
         QCOMPARE(app->tools.calls(u"sniffer"_s).last().last(), app->folder.filePath(name));
     }
 };

@@ -45,6 +45,22 @@ private Q_SLOTS:
     }
     void cleanup() { app.reset(); }
 
+    void thePercentageIsTrueBeyondTheSlider()
+    {
+        app->openSize(640, 360);
+        const auto *label = app->find<QLabel>("percentLBL");
+        commit(width(), u"2250"_s);
+        QCOMPARE(percent(), 200.0);
+        QCOMPARE(label->text(), u"351.6 %"_s);
+        clickBox(); // free: the numbers stay
+        QCOMPARE(label->text(), u"351.6 %"_s);
+        clickBox(); // both sides from the slider
+        QCOMPARE(width()->text(), u"1280"_s);
+        QCOMPARE(label->text(), u"200.0 %"_s);
+        commit(height(), u"360"_s);
+        QCOMPARE(label->text(), u"100.0 %"_s);
+    }
+
     void sliderScalesBothSides_data()
     {
         QTest::addColumn<int>("inputWidth");

@@ -130,7 +130,21 @@ private Q_SLOTS:
         QVERIFY(!QFile::exists(frame(11)));
         QVERIFY(app->delegate.posterView->image().isNull());
         QVERIFY(app->find<QLabel>("dropHintLBL")->isVisible());
+        QCOMPARE(app->find<QLabel>("dropHintLBL")->text(), u"No preview"_s);
+        QVERIFY(!app->find<QWidget>("emptyOpenBTN")->isVisible());
         QVERIFY(app->delegate.saveBTN->isEnabled()); // a video without stills can be resized all the same
+    }
+
+    void theSliderShowsOthersWhereAFrameIsMissing()
+    {
+        app->letConverterMakeStills();
+        app->openSize(640, 360);
+        QVERIFY(QFile::remove(frame(6)));
+        app->delegate.posterPositionSliderChanged(nullptr);
+        QCOMPARE(app->find<QLabel>("dropHintLBL")->text(),
+                 u"No preview here. The slider shows other frames."_s);
+        QTest::keyClick(app->delegate.posterPositionSlider.get(), Qt::Key_Right);
+        QVERIFY(!app->find<QLabel>("dropHintLBL")->isVisible());
     }
 
     void aFolderOfFramesThatBecameALinkIsNotFollowed()

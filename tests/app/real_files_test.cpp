@@ -278,7 +278,7 @@ private Q_SLOTS:
         QTRY_VERIFY(app->alertText().contains("no longer there"_L1));
         const QString said = app->alertText().remove(u'\u200b'); // where a long name may be broken
         seen(u"title \"%1\", %2, \"%3\""_s.arg(title, report, said));
-        QCOMPARE(title, name + u" - Tessaly"_s);
+        QCOMPARE(title, name + u" — Tessaly"_s);
         QCOMPARE(report, u"Video Resized Successfully!"_s);
         QVERIFY2(said.startsWith(u"“%1” is no longer there."_s.arg(QFileInfo(target).fileName())),
                  qPrintable(said));

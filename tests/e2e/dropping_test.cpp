@@ -244,7 +244,7 @@ void DroppingTest::showsNamesLiterally()
     Program &source = start(u"../tests/bin/drag_source"_s, {.arguments = {path}});
     QVERIFY(drag(source, tessaly, hint, u"copy"_s));
     QTRY_VERIFY_WITH_TIMEOUT(tessaly.shows(Role::label, u"Input: 640 x 360"_s), workTime);
-    QTRY_VERIFY2(tessaly.shows(Role::frame, name + u" - Tessaly"_s),
+    QTRY_VERIFY2(tessaly.shows(Role::frame, name + u" — Tessaly"_s),
                  qPrintable(tessaly.find(Role::frame)->name()));
     QCOMPARE(posterFrames().size(), 11);
 }

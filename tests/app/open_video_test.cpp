@@ -266,6 +266,8 @@ private Q_SLOTS:
         const QByteArray name = QFile::encodeName(app->folder.path()) + "/caf\xe9.mp4";
         std::FILE *file = std::fopen(name.constData(), "w");
         QVERIFY(file && std::fclose(file) == 0);
+        // Qt cannot name it, so that it could not remove the folder.
+        const auto remove = qScopeGuard([&name] { std::remove(name.constData()); });
         QMimeData data;
         data.setData(u"text/uri-list"_s, "file://" + name.toPercentEncoding("/") + "\r\n");
         AppHarness::sendDrop(app->delegate.posterView.get(), data);

@@ -107,7 +107,11 @@ void InfoJsonTest::oneMember_data()
         [](FileProbe &facts) { facts.fileFullPath = u"/a\n\t\x1B\"\\"_s; });
     row("why nothing is known", R"("proberFailure":null)", R"("proberFailure":"No \"ffprobe\".")",
         [](FileProbe &facts) { facts.proberFailure = u"No \"ffprobe\"."_s; });
-    row("half a surrogate pair", R"("fileFullPath":null)", R"("fileFullPath":"?")",
+    // Older versions of Qt write a question mark for it, newer ones leave it out at the end of a text.
+    const QByteArray standIn = QString(QChar(0xD800)).toUtf8();
+    QVERIFY(standIn == "?" || standIn.isEmpty());
+    row("half a surrogate pair", R"("fileFullPath":null)",
+        (R"("fileFullPath":")" + standIn + '"').constData(),
         [](FileProbe &facts) { facts.fileFullPath = QString(QChar(0xD800)); });
 }
 

@@ -46,7 +46,7 @@ public:
 
     bool click(Role role, const QString &name);
     // Keys as xdotool calls them: "ctrl+o", "Return".
-    bool press(const QStringList &keys);
+    bool press(QStringList keys);
     // Replaces what the focused field holds.
     bool typeOver(const QString &text);
     // The field has the keyboard focus.

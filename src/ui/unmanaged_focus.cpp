@@ -31,8 +31,9 @@ bool takesKeyboard(const QWidget &widget)
 bool isDisplayUnmanaged()
 {
     const auto *x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
-    if (!x11) return false;
-    xcb_connection_t *display = x11->connection();
+    // The platform without a screen has the interface in newer versions of Qt, too, but no display behind it.
+    xcb_connection_t *display = x11 ? x11->connection() : nullptr;
+    if (!display) return false;
     const xcb_window_t root = xcb_setup_roots_iterator(xcb_get_setup(display)).data->root;
     const std::unique_ptr<xcb_get_window_attributes_reply_t, Free> attributes(
         xcb_get_window_attributes_reply(display, xcb_get_window_attributes(display, root), nullptr));

@@ -1,4 +1,4 @@
-# shellcheck shell=bash
+# shellcheck shell=bash disable=SC2034
 # Sourced by ./run, ./test, and the scripts of bench/ and packaging/: says what it does, installs what is missing on
 # Debian, and stops with a clear message where it cannot.
 
@@ -9,13 +9,14 @@ fail() {
 }
 
 # The Debian packages that a build needs, that the programs need beside them, that the tests need beside those, and that the
-# fuzz preset needs.
+# fuzz preset needs. lint_packages is what scripts/lint needs beside the build's.
 build_packages="g++ cmake ninja-build pkg-config qt6-base-dev libxcb1-dev nlohmann-json3-dev ffmpeg"
 icon_plugin=qt6-svg-plugins # Debian 12 has it in the library's own package
 if grep -qsx 'VERSION_CODENAME=bookworm' /etc/os-release; then icon_plugin=libqt6svg6; fi
 run_packages="$icon_plugin qt6-qpa-plugins"
 test_packages="xvfb xdotool dbus-daemon at-spi2-core locales fonts-dejavu-core desktop-file-utils appstream mandoc"
 fuzz_packages="clang libclang-rt-dev"
+lint_packages="clang clang-format clang-tidy shellcheck"
 
 missing_packages() {
     local package

@@ -96,6 +96,7 @@ completes() {
     [ "${COMPREPLY[*]}" = "$wanted" ] || { echo "\"${COMPREPLY[*]}\" instead of \"$wanted\""; return 1; }
 }
 completion() {
+    # shellcheck disable=SC1091
     . "$prefix/share/bash-completion/completions/tessaly-cli"
     mkdir "$work/films" && touch "$work/films/a film.mp4"
     completes r = resize &&

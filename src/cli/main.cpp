@@ -37,7 +37,8 @@ int run(const ResizeCommand &resize)
 
 } // namespace
 
-int main(int argc, char *argv[])
+// A command is never without a value, which is what std::visit would throw for.
+int main(int argc, char *argv[]) // NOLINT(bugprone-exception-escape)
 {
     useUtf8Locale();
     outliveReaders();

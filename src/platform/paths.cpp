@@ -74,7 +74,7 @@ QString pathExtension(const QString &path)
 QString absolutePath(const QString &path)
 {
     if (path.startsWith(u'/')) return path;
-    const QString folder = QDir::currentPath();
+    QString folder = QDir::currentPath(); // not const, so that it is moved out
     if (path.isEmpty()) return folder;
     return folder.endsWith(u'/') ? folder + path : folder + u'/' + path;
 }

@@ -54,7 +54,7 @@ QByteArray firstLocalFileName(const QMimeData *drag)
     // Lines end in CRLF by the rules and often in LF alone; comments begin with a number sign, so with no
     // scheme.
     for (const QByteArray &line : drag->data(u"text/uri-list"_s).split('\n')) {
-        const QByteArray path = localPath(line.trimmed());
+        QByteArray path = localPath(line.trimmed()); // not const, so that it is moved out
         if (!path.isEmpty()) return path;
     }
     return {};

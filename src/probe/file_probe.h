@@ -18,7 +18,7 @@ inline constexpr std::chrono::milliseconds proberTimeLimit = std::chrono::second
 
 // The longest report that is read, in bytes. A stream takes some kilobytes of it. What is parsed may take up
 // to 65 times as much memory as its text.
-inline constexpr qint64 reportSizeLimit = 16 * 1024 * 1024;
+inline constexpr qint64 reportSizeLimit = 16LL * 1024 * 1024;
 
 // A report of more streams is not read further.
 inline constexpr std::size_t streamCountLimit = 10'000;

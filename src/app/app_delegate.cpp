@@ -60,6 +60,7 @@ void AppDelegate::resetInterface()
     posterPositionSlider->setIntegerValue(6);
     saveBTN->setEnabled(false);
 
+    updateSizeMenu(false);
     window->showFileName({});
     window->showStatus({});
     if (posterView->image().isNull()) window->showPosterText(MainWindow::PosterText::howToOpen);

@@ -18,6 +18,7 @@
 #include <QAction>
 #include <QCheckBox>
 #include <QLabel>
+#include <QMenu>
 #include <QPushButton>
 
 #include <memory>
@@ -151,7 +152,15 @@ public:
 private:
     void connectOutlets(MainWindow *form);
     void connectActions(MainWindow *form);
+    void openCopiedFile();
+    void tellCountOfDrop();
     void refuse(Refusal refusal);
+    void connectSizeMenu(QMenu *menu); // size_menu.cpp
+    void updateSizeMenu(bool enabled);
+    void chooseHeight(int height);
+    void choosePercent(int percent);
+    void chooseSide(NumberField &field);
+    void tellReading(const NumberField &field);
     void showPercent(double percent);
     bool isTheInput(const QString &outputPath) const;
     void runConverter(ResizeJob &job, const QString &outputPath);
@@ -163,6 +172,9 @@ private:
     void tellTheEnd(const Alert &alert, const DesktopNote &note, std::function<void(int response)> answer);
 
     bool m_panelIsUp = false;
+    bool m_readingIsTold = false; // in the status line, instead of the facts
+    QMenu *m_sizeMenu = nullptr;
+    QList<QAction *> m_heightActions;
     QString m_lastVideoFolder;                  // where the open panel starts
     std::unique_ptr<JobFollower> m_jobFollower; // while the sheet of a job is up
     std::unique_ptr<Attention> m_attention;     // a person's, to the window

@@ -7,7 +7,9 @@
 #include "ui/alert.h"
 #include "ui/file_panels.h"
 
+#include <QClipboard>
 #include <QFileInfo>
+#include <QGuiApplication>
 #include <QStandardPaths>
 
 namespace tessaly {
@@ -42,6 +44,20 @@ void AppDelegate::fileAddedByDragAndDropWithNotification(const NotificationCente
     if (!url.isLocalFile()) qFatal("FileAddedByDragAnadDrop came without the URL of a file");
     answerAlerts(window.get());
     openVideo(url);
+    tellCountOfDrop();
+}
+
+void AppDelegate::tellCountOfDrop()
+{
+    if (saveBTN->isEnabled() && posterView->fileCount() > 1)
+        window->showStatus(
+            tr("%1 - opened the first of %2").arg(factsText(*globalFP)).arg(posterView->fileCount()));
+}
+
+// What a file manager has copied goes the way of a drop.
+void AppDelegate::openCopiedFile()
+{
+    posterView->takeFile(QGuiApplication::clipboard()->mimeData());
 }
 
 void AppDelegate::openVideo(const QUrl &url)
@@ -102,6 +118,7 @@ void AppDelegate::showInputResolution()
     heightTF->setIntegerValue(originalHeight);
     saveBTN->setEnabled(true);
 
+    updateSizeMenu(true);
     window->showFileName(*globalFP->fileFullPath);
     showInputFacts();
 }

@@ -4,6 +4,8 @@
 #include "app/app_delegate.h"
 #include "jobs/frame_size.h"
 
+#include <QRegularExpression>
+
 #include <cmath>
 
 namespace tessaly {
@@ -29,6 +31,12 @@ void lowerToEven(NumberField &field)
     if (even != side) field.setIntegerValue(even);
 }
 
+bool isWhollyANumber(const QString &text)
+{
+    static const QRegularExpression number(u"^\\s*[+-]?[0-9]+\\s*$"_s);
+    return number.match(text).hasMatch();
+}
+
 } // namespace
 
 // The slider stops at its end; the text beside it goes on.
@@ -36,6 +44,19 @@ void AppDelegate::showPercent(double percent)
 {
     sizeSLDR->setDoubleValue(percent);
     window->showPercent(std::isfinite(percent) ? percent : sizeSLDR->doubleValue());
+}
+
+// A text such as "1,920" is read up to the comma; the person hears of it.
+void AppDelegate::tellReading(const NumberField &field)
+{
+    if (!globalFP) return;
+    if (!isWhollyANumber(field.text())) {
+        window->showStatus(tr("“%1” is read as %2").arg(field.text()).arg(field.integerValue()));
+        m_readingIsTold = true;
+    } else if (m_readingIsTold) {
+        showInputFacts();
+        m_readingIsTold = false;
+    }
 }
 
 void AppDelegate::proportionalCBXClicked(QObject *)
@@ -92,6 +113,7 @@ void AppDelegate::applySliderValue()
 
 void AppDelegate::updateFromWidth()
 {
+    tellReading(*widthTF);
     lowerToEven(*widthTF);
     if (sliderTitleLBL->text() == scaleCaption)
         setSide(*heightTF, heightFollowing(widthTF->doubleValue(), originalRatio));
@@ -100,6 +122,7 @@ void AppDelegate::updateFromWidth()
 
 void AppDelegate::updateFromHeight()
 {
+    tellReading(*heightTF);
     lowerToEven(*heightTF);
     if (sliderTitleLBL->text() == scaleCaption)
         setSide(*widthTF, widthFollowing(heightTF->doubleValue(), originalRatio));

@@ -46,18 +46,29 @@ QByteArray localPath(const QByteArray &uri)
     return path.startsWith('/') && !path.contains('\0') ? path : QByteArray();
 }
 
+QList<QByteArray> localFileNames(const QMimeData *drag)
+{
+    QList<QByteArray> names;
+    if (!drag) return names;
+    // Lines end in CRLF by the rules and often in LF alone; comments begin with a number sign, so with no
+    // scheme.
+    for (const QByteArray &line : drag->data(u"text/uri-list"_s).split('\n')) {
+        const QByteArray path = localPath(line.trimmed());
+        if (!path.isEmpty()) names << path;
+    }
+    return names;
+}
+
 } // namespace
 
 QByteArray firstLocalFileName(const QMimeData *drag)
 {
-    if (!drag) return {};
-    // Lines end in CRLF by the rules and often in LF alone; comments begin with a number sign, so with no
-    // scheme.
-    for (const QByteArray &line : drag->data(u"text/uri-list"_s).split('\n')) {
-        QByteArray path = localPath(line.trimmed()); // not const, so that it is moved out
-        if (!path.isEmpty()) return path;
-    }
-    return {};
+    return localFileNames(drag).value(0);
+}
+
+int localFileCount(const QMimeData *drag)
+{
+    return static_cast<int>(localFileNames(drag).size());
 }
 
 } // namespace tessaly

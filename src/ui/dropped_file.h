@@ -12,4 +12,7 @@ namespace tessaly {
 // is looked up on disk. A null drag carries nothing.
 QByteArray firstLocalFileName(const QMimeData *drag);
 
+// How many files of this machine the drag names, in the same way.
+int localFileCount(const QMimeData *drag);
+
 } // namespace tessaly

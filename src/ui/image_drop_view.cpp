@@ -117,9 +117,19 @@ void ImageDropView::dropEvent(QDropEvent *event)
     answerCopy(event, isWelcome(event) && performDragOperation(event->mimeData()));
 }
 
+bool ImageDropView::isFree() const
+{
+    return !m_dropGuard || m_dropGuard();
+}
+
 bool ImageDropView::isWelcome(const QDropEvent *event) const
 {
-    return offersCopy(event) && (!m_dropGuard || m_dropGuard());
+    return offersCopy(event) && isFree();
+}
+
+bool ImageDropView::takeFile(const QMimeData *copied)
+{
+    return isFree() && isExistingFile(firstLocalFileName(copied)) && performDragOperation(copied);
 }
 
 bool ImageDropView::performDragOperation(const QMimeData *drag)
@@ -132,6 +142,7 @@ bool ImageDropView::performDragOperation(const QMimeData *drag)
         return false;
     }
     m_filePath = path;
+    m_fileCount = localFileCount(drag);
     NotificationCenter::defaultCenter().postNotification(u"FileAddedByDragAnadDrop"_s, nullptr,
                                                          {{u"key"_s, fileURL(*path)}});
     return true;

@@ -40,6 +40,12 @@ public:
     // The file of the last accepted drop.
     const std::optional<QString> &filePath() const { return m_filePath; }
 
+    // How many files of this machine the last accepted drop held; only the first one counts.
+    int fileCount() const { return m_fileCount; }
+
+    // Takes the first file as a drop does; false, and nothing happens, where a drag would be refused.
+    bool takeFile(const QMimeData *copied);
+
     // Asked at every step of a drag; when it answers false, the drag is refused at that step. Without a guard
     // no drag is refused for that reason.
     void setDropGuard(std::function<bool()> guard);
@@ -58,6 +64,7 @@ protected:
     void dropEvent(QDropEvent *event) override;
 
 private:
+    bool isFree() const;
     bool isWelcome(const QDropEvent *event) const;
     bool performDragOperation(const QMimeData *drag);
 
@@ -65,6 +72,7 @@ private:
     QPixmap m_scaledImage; // what was painted last; null when the image is new
     bool m_dimmed = false;
     std::optional<QString> m_filePath;
+    int m_fileCount = 0;
     std::function<bool()> m_dropGuard;
 };
 

@@ -10,6 +10,7 @@
 #include <QFileInfo>
 #include <QHBoxLayout>
 #include <QScreen>
+#include <QShortcut>
 #include <QStatusTipEvent>
 #include <QWidgetAction>
 
@@ -32,6 +33,12 @@ MainWindow::MainWindow(QWidget *parent) : QMainWindow(parent), m_form(std::make_
     new ProgressSheet(this);
     showPosterText(PosterText::howToOpen);
     connect(m_form->emptyOpenBTN, &QPushButton::clicked, m_form->openBTN, &QAction::trigger);
+    m_form->quitBTN->setShortcuts({Qt::CTRL | Qt::Key_Q, Qt::CTRL | Qt::Key_W});
+    auto *menuKey = new QShortcut(Qt::Key_F10, this);
+    connect(menuKey, &QShortcut::activated, this, [this] {
+        m_form->menuBar->setFocus(Qt::MenuBarFocusReason);
+        m_form->menuBar->setActiveAction(m_form->fileMenu->menuAction());
+    });
     connect(m_form->quitBTN, &QAction::triggered, this, &QWidget::close);
     fitScreen();
 }

@@ -14,6 +14,8 @@ namespace tessaly {
 
 namespace {
 
+constexpr qint64 largestStepped = std::numeric_limits<qint64>::max() - 2;
+
 qint64 truncated(double value)
 {
     constexpr double limit = 9223372036854775808.0; // 2^63
@@ -93,10 +95,22 @@ void NumberField::discardEdit()
     if (hasOpenEdit()) QLineEdit::setText(m_settledText);
 }
 
+void NumberField::enter(const QString &newText)
+{
+    selectAll();
+    insert(newText);
+    commit();
+}
+
 void NumberField::keyPressEvent(QKeyEvent *event)
 {
+    const bool isUp = event->key() == Qt::Key_Up;
+    const bool isStep = (isUp || event->key() == Qt::Key_Down) && !(event->modifiers() & ~Qt::KeypadModifier);
     if (event->key() == Qt::Key_Escape && hasOpenEdit())
         discardEdit();
+    else if (isStep)
+        enter(
+            QString::number(std::max<qint64>(0, std::min(integerValue(), largestStepped) + (isUp ? 2 : -2))));
     else
         QLineEdit::keyPressEvent(event);
 }

@@ -14,6 +14,8 @@ namespace tessaly {
 //     another window only borrows the focus: the edit stays open.
 //   - it is dropped: by Escape or discardEdit();
 //   - a value is set from code.
+// The keys Up and Down enter the next number but one, not below 0.
+//
 // A field that loses the focus by being disabled commits nothing. Any text may be typed; none can be dropped.
 class NumberField : public QLineEdit
 {
@@ -41,6 +43,8 @@ public:
     bool hasOpenEdit() const;
     // Commits an open edit and fires committed(); without one nothing happens.
     void commitEdit();
+    // Replaces the text as a person does by typing, and commits it as Return does.
+    void enter(const QString &text);
     // Brings the text back to the one last set or committed, without firing.
     void discardEdit();
 

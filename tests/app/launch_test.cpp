@@ -179,6 +179,23 @@ private Q_SLOTS:
         }
     }
 
+    void theMenusComeByTheirKey()
+    {
+        AppHarness app;
+        QTest::keyClick(&app.window, Qt::Key_F10);
+        QTRY_VERIFY(app.find<QMenu>("fileMenu")->isVisible());
+        QTest::keyClick(app.find<QMenu>("fileMenu"), Qt::Key_Escape);
+    }
+
+    void theWindowIsClosedByEitherKey()
+    {
+        for (const Qt::Key key : {Qt::Key_Q, Qt::Key_W}) {
+            AppHarness app;
+            QTest::keyClick(&app.window, key, Qt::ControlModifier);
+            QTRY_VERIFY(!app.window.isVisible());
+        }
+    }
+
     void tabOrder()
     {
         AppHarness app;

@@ -4,6 +4,7 @@
 #include "support/seen.h"
 #include "support/test_case.h"
 
+#include <QClipboard>
 #include <QMimeData>
 #include <QStatusBar>
 
@@ -209,6 +210,34 @@ private Q_SLOTS:
         app->openSize(640, 360);
         QCOMPARE(app->delegate.inputLBL->text(), u"Input: 640 x 360"_s);
         QTRY_VERIFY(!app->alert());
+    }
+
+    void ofThreeFilesTheFirstIsOpenedAndSaidSo()
+    {
+        app->letProberReport(640, 360);
+        QList<QUrl> urls;
+        for (const QString &name : {u"a.mp4"_s, u"b.mp4"_s, u"c.mp4"_s})
+            urls << QUrl::fromLocalFile(app->makeFile(name));
+        const auto *status = app->find<QStatusBar>("statusBar");
+        AppHarness::sendDrop(app->delegate.posterView.get(), urls);
+        QCOMPARE(app->window.windowTitle(), u"a.mp4 — Tessaly"_s);
+        QVERIFY2(status->currentMessage().endsWith(" - opened the first of 3"_L1),
+                 qPrintable(status->currentMessage()));
+        AppHarness::sendDrop(app->delegate.posterView.get(), urls.mid(1, 1));
+        QVERIFY2(!status->currentMessage().contains("opened"_L1), qPrintable(status->currentMessage()));
+    }
+
+    void aCopiedFileIsOpenedByItsKey()
+    {
+        app->letProberReport(640, 360);
+        auto *copied = new QMimeData;
+        copied->setUrls({QUrl::fromLocalFile(app->makeFile(u"copied.mp4"_s))});
+        QGuiApplication::clipboard()->setMimeData(copied);
+        QTest::keyClick(&app->window, Qt::Key_V, Qt::ControlModifier);
+        QCOMPARE(app->window.windowTitle(), u"copied.mp4 — Tessaly"_s);
+        QGuiApplication::clipboard()->setText(u"no file"_s);
+        QTest::keyClick(&app->window, Qt::Key_V, Qt::ControlModifier);
+        QCOMPARE(app->window.windowTitle(), u"copied.mp4 — Tessaly"_s);
     }
 
     void menuAndToolBarShowTheSamePanel()

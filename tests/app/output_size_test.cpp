@@ -2,6 +2,9 @@
 #include "app/app_harness.h"
 #include "support/test_case.h"
 
+#include <QMenu>
+#include <QStatusBar>
+
 using namespace tessaly;
 using namespace tessaly::test;
 using namespace Qt::StringLiterals;
@@ -44,6 +47,101 @@ private Q_SLOTS:
         app = std::make_unique<AppHarness>();
     }
     void cleanup() { app.reset(); }
+
+    QAction *sizeAction(const QString &text) const
+    {
+        for (QAction *action : app->find<QMenu>("sizeMenu")->actions()) {
+            if (action->text().remove(u'&').startsWith(text)) return action;
+        }
+        return nullptr;
+    }
+
+    void theMenuDoesWhatTypingAndSlidingDo_data()
+    {
+        QTest::addColumn<QString>("entry");
+        QTest::addColumn<bool>("free");
+        QTest::addColumn<QString>("typed"); // into the height field; else slid
+        QTest::addColumn<double>("slid");
+        for (const bool free : {false, true}) {
+            for (const char *height : {"2160", "1440", "1080", "720", "480"})
+                QTest::addRow("%sp%s", height, free ? ", free" : "")
+                    << QString::fromLatin1(height) + u'p' << free << QString::fromLatin1(height) << 0.0;
+            for (const int percent : {75, 50, 25})
+                QTest::addRow("%d %%%s", percent, free ? ", free" : "")
+                    << u"%1 %"_s.arg(percent) << free << QString() << double(percent);
+        }
+    }
+    void theMenuDoesWhatTypingAndSlidingDo()
+    {
+        QFETCH(QString, entry);
+        QFETCH(bool, free);
+        QFETCH(QString, typed);
+        QFETCH(double, slid);
+        const auto state = [this] {
+            return u"%1 %2 %3"_s.arg(shown()).arg(percent()).arg(box()->isChecked());
+        };
+        const auto begin = [&] {
+            app->openSize(1919, 1080);
+            if (free) clickBox();
+            app->type(width(), u"1001"_s); // an edit that is still open
+        };
+        begin();
+        if (typed.isEmpty()) {
+            app->delegate.sizeSLDR->setFocus(); // as the click on it
+            slideTo(slid);
+        } else {
+            width()->commitEdit();
+            height()->setFocus();
+            height()->selectAll();
+            QTest::keyClicks(height(), typed);
+            QTest::keyClick(height(), Qt::Key_Return);
+        }
+        const QString byHand = state();
+        begin();
+        QVERIFY(sizeAction(entry));
+        QTest::keySequence(&app->window, sizeAction(entry)->shortcut());
+        QCOMPARE(state(), byHand);
+    }
+
+    void theMenuSaysWhatEnlarges()
+    {
+        QVERIFY(!sizeAction(u"720p"_s)->isEnabled());
+        app->openSize(1280, 720);
+        QVERIFY(sizeAction(u"720p"_s)->isEnabled());
+        QCOMPARE(sizeAction(u"720p"_s)->text(), u"720p"_s);
+        QCOMPARE(sizeAction(u"1080p"_s)->text(), u"1080p (enlarges)"_s);
+        app->openSize(1920, 1080);
+        QCOMPARE(sizeAction(u"1080p"_s)->text(), u"1080p"_s);
+        app->delegate.resetInterface();
+        QVERIFY(!sizeAction(u"50 %"_s)->isEnabled());
+    }
+
+    void keysChooseTheSideOfTheSlider()
+    {
+        app->openSize(640, 360);
+        clickBox();
+        QTest::keyClick(&app->window, Qt::Key_1, Qt::ControlModifier);
+        QCOMPARE(shown(), u"640 x 360 Width:"_s);
+        QVERIFY(width()->hasFocus());
+        slideTo(50);
+        QTest::keyClick(&app->window, Qt::Key_2, Qt::ControlModifier);
+        QCOMPARE(shown(), u"320 x 360 Height:"_s);
+        QVERIFY(height()->hasFocus());
+        QCOMPARE(percent(), 100.0);
+    }
+
+    void whatIsReadOfATextIsTold()
+    {
+        app->openSize(1920, 1080);
+        const auto *status = app->find<QStatusBar>("statusBar");
+        const QString facts = status->currentMessage();
+        commit(width(), u"1,920"_s);
+        QCOMPARE(status->currentMessage(), u"“1,920” is read as 1"_s);
+        commit(width(), u" 640 "_s);
+        QCOMPARE(status->currentMessage(), facts);
+        commit(height(), u"720p"_s);
+        QCOMPARE(status->currentMessage(), u"“720p” is read as 720"_s);
+    }
 
     void thePercentageIsTrueBeyondTheSlider()
     {

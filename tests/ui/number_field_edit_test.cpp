@@ -16,6 +16,8 @@ class NumberFieldEditTest : public tessaly::test::TestCase
 private Q_SLOTS:
     void codeFiresNothingAndEndsTheEdit_data();
     void codeFiresNothingAndEndsTheEdit();
+    void upAndDownGoByTwo_data();
+    void upAndDownGoByTwo();
     void returnCommitsOnce();
     void returnOnAnUnchangedFieldCommits();
     void leavingCommitsAChangeOnce_data();
@@ -57,6 +59,32 @@ void NumberFieldEditTest::codeFiresNothingAndEndsTheEdit()
         QVERIFY(fixture.height.hasFocus());
         QCOMPARE(fixture.widthCommitted.count(), 0);
     }
+}
+
+void NumberFieldEditTest::upAndDownGoByTwo_data()
+{
+    QTest::addColumn<QByteArray>("typed");
+    QTest::addColumn<Qt::Key>("key");
+    QTest::addColumn<QString>("text");
+    QTest::newRow("up") << QByteArray() << Qt::Key_Up << u"855"_s;
+    QTest::newRow("down") << QByteArray() << Qt::Key_Down << u"851"_s;
+    QTest::newRow("from what is typed") << QByteArray("100") << Qt::Key_Up << u"102"_s;
+    QTest::newRow("not below nothing") << QByteArray("1") << Qt::Key_Down << u"0"_s;
+    QTest::newRow("from no number") << QByteArray("x") << Qt::Key_Up << u"2"_s;
+    QTest::newRow("at the end of numbers")
+        << QByteArray("9223372036854775807") << Qt::Key_Up << u"9223372036854775807"_s;
+}
+
+void NumberFieldEditTest::upAndDownGoByTwo()
+{
+    QFETCH(QByteArray, typed);
+    QFETCH(Qt::Key, key);
+    NumberFieldFixture fixture;
+    if (!typed.isEmpty()) fixture.type(typed.constData());
+    fixture.key(key);
+    QTEST(fixture.width.text(), "text");
+    QCOMPARE(fixture.widthCommitted.count(), 1);
+    QVERIFY(!fixture.width.hasOpenEdit());
 }
 
 void NumberFieldEditTest::returnCommitsOnce()

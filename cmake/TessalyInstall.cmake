@@ -35,6 +35,10 @@ function(tessaly_install_compressed text destination)
   install(FILES "${packed}/${name}.gz" DESTINATION "${destination}")
 endfunction()
 
+# Draws packaging/icons anew: build this target, then run draw_icons src/ui/icons/tessaly.svg packaging/icons
+add_executable(draw_icons EXCLUDE_FROM_ALL packaging/draw_icons.cpp)
+target_link_libraries(draw_icons PRIVATE tessaly_rules Qt6::Gui)
+
 if(APPLE)
   # Prepared, but not tried on a Mac yet: Tessaly.app with both programs, and with its tools in Contents/Resources.
   set_target_properties(
@@ -56,6 +60,9 @@ else()
   install(FILES "${packaging}/tessaly.desktop" DESTINATION share/applications)
   install(FILES "${packaging}/example.tessaly.Tessaly.metainfo.xml" DESTINATION share/metainfo)
   install(FILES "${CMAKE_SOURCE_DIR}/src/ui/icons/tessaly.svg" DESTINATION share/icons/hicolor/scalable/apps)
+  foreach(side 16 22 24 32 48 64 128 256 512)
+    install(FILES "${packaging}/icons/${side}x${side}/tessaly.png" DESTINATION share/icons/hicolor/${side}x${side}/apps)
+  endforeach()
   install(
     FILES "${packaging}/tessaly-cli.bash"
     DESTINATION share/bash-completion/completions

@@ -39,6 +39,15 @@ layout() {
 ./share/bash-completion/completions/tessaly-cli
 ./share/doc/tessaly/changelog.gz
 ./share/doc/tessaly/copyright
+./share/icons/hicolor/128x128/apps/tessaly.png
+./share/icons/hicolor/16x16/apps/tessaly.png
+./share/icons/hicolor/22x22/apps/tessaly.png
+./share/icons/hicolor/24x24/apps/tessaly.png
+./share/icons/hicolor/256x256/apps/tessaly.png
+./share/icons/hicolor/32x32/apps/tessaly.png
+./share/icons/hicolor/48x48/apps/tessaly.png
+./share/icons/hicolor/512x512/apps/tessaly.png
+./share/icons/hicolor/64x64/apps/tessaly.png
 ./share/icons/hicolor/scalable/apps/tessaly.svg
 ./share/man/man1/tessaly-cli.1.gz
 ./share/man/man1/tessaly.1.gz

@@ -18,6 +18,8 @@ private Q_SLOTS:
     void paintsAsManyPixelsAsTheScreenHas();
     void aChangedCopyStillPaints();
     void anUnknownNameIsNoIcon();
+    void theInstalledPicturesShowTheIcon_data();
+    void theInstalledPicturesShowTheIcon();
 };
 
 namespace {
@@ -99,6 +101,33 @@ void SymbolIconTest::anUnknownNameIsNoIcon()
 {
     QVERIFY(symbolIcon(u"none"_s).isNull());
     QVERIFY(!symbolIcon(u"open"_s).isNull());
+}
+
+void SymbolIconTest::theInstalledPicturesShowTheIcon_data()
+{
+    QTest::addColumn<int>("side");
+    for (const int side : {16, 22, 24, 32, 48, 64, 128, 256, 512})
+        QTest::addRow("%d", side) << side;
+}
+
+void SymbolIconTest::theInstalledPicturesShowTheIcon()
+{
+    QFETCH(int, side);
+    const QImage installed(u"%1/%2x%2/tessaly.png"_s.arg(QStringLiteral(TESSALY_ICON_FOLDER)).arg(side));
+    QCOMPARE(installed.size(), QSize(side, side));
+    const QImage drawn = applicationIcon().pixmap(QSize(side, side)).toImage();
+    QCOMPARE(drawn.size(), installed.size());
+    constexpr int unlike = 48; // another version may draw edges a little otherwise
+    int differing = 0;
+    for (int y = 0; y < side; ++y) {
+        for (int x = 0; x < side; ++x) {
+            const QColor a = installed.pixelColor(x, y);
+            const QColor b = drawn.pixelColor(x, y);
+            differing += std::abs(a.alpha() - b.alpha()) > unlike ||
+                         (a.alpha() > unlike && std::abs(a.lightness() - b.lightness()) > unlike);
+        }
+    }
+    QVERIFY2(differing <= side * side / 50, qPrintable(QString::number(differing)));
 }
 
 TESSALY_GUI_TEST_MAIN(SymbolIconTest)

@@ -105,6 +105,7 @@ public:
     void resetInterface();
     void removeTemporaryWorkspace();
     void showHelp();
+    void showAbout(); // about.cpp
     void showAlert(const QString &message, const QString &information);
     // Whether a job, a panel or a probe has not ended yet, so that nothing may be opened or saved.
     bool isBusy() const;

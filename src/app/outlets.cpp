@@ -42,6 +42,7 @@ void AppDelegate::connectActions(MainWindow *form)
     QAction *help = action("helpBTN");
     connect(open, &QAction::triggered, this, [this, open] { openToolBarBTNClicked(open); });
     connect(help, &QAction::triggered, this, [this, help] { helpBTNClickedWithSender(help); });
+    connect(action("aboutBTN"), &QAction::triggered, this, &AppDelegate::showAbout);
     connect(action("pasteBTN"), &QAction::triggered, this, &AppDelegate::openCopiedFile);
     connectSizeMenu(form->findChild<QMenu *>("sizeMenu"_L1));
     connect(saveBTN.get(), &QAction::triggered, this, [this] { saveBTNClicked(saveBTN.get()); });

@@ -1,6 +1,7 @@
 #include "app/start_up.h"
 
 #include <QApplication>
+#include <QSettings>
 
 #include <cstdio>
 #include <cstdlib>
@@ -41,6 +42,12 @@ void describe(QApplication &application)
     application.setDesktopFileName(u"tessaly"_s);
 }
 
+// Qt's own panels would keep their size and the folders that were visited in a file of Qt's.
+void keepNothingOfPanels()
+{
+    QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, u"/dev/null"_s);
+}
+
 } // namespace
 
 std::optional<int> answerCommandLine(int argc, char *argv[])
@@ -64,6 +71,7 @@ std::optional<int> answerCommandLine(int argc, char *argv[])
 
 std::unique_ptr<QApplication> startApplication(int &argc, char *argv[])
 {
+    keepNothingOfPanels();
     const QtMessageHandler usual = qInstallMessageHandler(sayOnceThatThereIsNoScreen);
     auto application = std::make_unique<QApplication>(argc, argv);
     qInstallMessageHandler(usual);

@@ -196,6 +196,22 @@ private Q_SLOTS:
         }
     }
 
+    void aboutTellsVersionLicenceAndTools()
+    {
+        AppHarness app;
+        app.tools.setBehaviour(u"creator"_s, u"print"_s,
+                               {u"ffmpeg version 9.9-a Copyright (c) the makers\n"_s});
+        app.tools.remove(u"sniffer"_s);
+        AppHarness::inEventLoop([&app] { app.find<QAction>("aboutBTN")->trigger(); });
+        QTRY_VERIFY(app.alert());
+        const QStringList lines = app.alertText().remove(QChar(0x200B)).split(u'\n');
+        QCOMPARE(lines.size(), 4);
+        QVERIFY2(lines.at(0).startsWith("Tessaly 0."_L1), qPrintable(lines.at(0)));
+        QCOMPARE(lines.at(1), u"MIT License"_s);
+        QCOMPARE(lines.at(2), u"ffprobe: not found"_s);
+        QVERIFY2(lines.at(3).startsWith("ffmpeg 9.9-a: /"_L1), qPrintable(lines.at(3)));
+    }
+
     void tabOrder()
     {
         AppHarness app;

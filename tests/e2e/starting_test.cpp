@@ -17,6 +17,7 @@ private Q_SLOTS:
     void startsQuietlyInTheNoFileState();
     void endsByKeyboardAndLeavesNothing();
     void aClickUnderAnAlertOnlyBringsItBack();
+    void keepsTheWindowsSizeAndNothingElse();
 };
 
 namespace {
@@ -129,6 +130,20 @@ void StartingTest::aClickUnderAnAlertOnlyBringsItBack()
     QVERIFY(!tessaly.shows(Role::field, u"File name:"_s));
     QVERIFY(tessaly.press({u"F1"_s})); // the window has the keyboard again
     QTRY_VERIFY(tessaly.shows(Role::alert));
+}
+
+void StartingTest::keepsTheWindowsSizeAndNothingElse()
+{
+    Program &tessaly = launch();
+    QVERIFY(tessaly.press({u"ctrl+o"_s}));
+    QTRY_VERIFY(tessaly.shows(Role::field, u"File name:"_s));
+    QVERIFY(tessaly.press({u"Escape"_s}));
+    QTRY_VERIFY(!tessaly.shows(Role::field, u"File name:"_s));
+    QVERIFY(tessaly.press({u"ctrl+w"_s}));
+    QTRY_VERIFY(tessaly.hasEnded());
+    const QDir config(desktop().environment().value(u"HOME"_s) + u"/.config"_s);
+    QCOMPARE(config.entryList(QDir::Files), QStringList());
+    QCOMPARE(QDir(config.filePath(u"tessaly"_s)).entryList(QDir::Files), QStringList{u"window.ini"_s});
 }
 
 TESSALY_TEST_MAIN(StartingTest)

@@ -196,6 +196,19 @@ private Q_SLOTS:
         }
     }
 
+    void noMnemonicStandsTwiceInAMenu()
+    {
+        const AppHarness app;
+        for (const auto *menu : app.window.findChildren<QMenu *>()) {
+            QStringList keys;
+            for (const QAction *action : menu->actions())
+                keys += QKeySequence::mnemonic(action->text()).toString();
+            keys.removeAll(QString());
+            QVERIFY(!keys.isEmpty());
+            QCOMPARE(keys.removeDuplicates(), 0);
+        }
+    }
+
     void aboutTellsVersionLicenceAndTools()
     {
         AppHarness app;

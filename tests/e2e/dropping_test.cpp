@@ -147,7 +147,7 @@ void DroppingTest::takesNothingElse()
     QVERIFY(drag(source, tessaly, hint, u"nothing"_s));
     // The window answers to what comes next, and to nothing before. The press on the source took the
     // keyboard.
-    QVERIFY(tessaly.click(Role::label, u"Input: 0 x 0"_s));
+    QVERIFY(tessaly.click(Role::filler, u"Poster frame"_s));
     QVERIFY(tessaly.press({u"F1"_s}));
     QCOMPARE(waitForAlert(tessaly).value(0), u"Questions?"_s);
     const bool nothingOpen = tessaly.shows(Role::label, u"Input: 0 x 0"_s);

@@ -1,5 +1,5 @@
-// Draws the icon in the sizes that desktops want as pictures: draw_icons SVG FOLDER makes FOLDER/NxN/tessaly.png. Run
-// by a person when the icon has changed; what it makes lies in packaging/icons.
+// Draws the icon in the sizes that desktops want as pictures: draw_icons SVG FOLDER makes
+// FOLDER/NxN/tessaly.png. Run by a person when the icon has changed; what it makes lies in packaging/icons.
 #include <QDir>
 #include <QGuiApplication>
 #include <QImageReader>

@@ -29,8 +29,10 @@ Attention::Attention(QWidget *window, bool canBeTold) : m_window(window), m_canB
 bool Attention::isThere() const
 {
     if (!m_canBeTold) return true;
-    const QWidget *active = QApplication::activeWindow();
-    return active && (active == m_window || m_window->isAncestorOf(active));
+    for (const QWidget *active = QApplication::activeWindow(); active; active = active->parentWidget()) {
+        if (active == m_window) return true;
+    }
+    return false;
 }
 
 void Attention::whenThere(bool isThere, std::function<void()> work)

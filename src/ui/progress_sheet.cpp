@@ -2,7 +2,6 @@
 
 #include "ui/progress_bar.h"
 
-#include <QGuiApplication>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPushButton>
@@ -88,10 +87,11 @@ void ProgressSheet::beginSheet(QWidget *window)
 
 void ProgressSheet::endSheet()
 {
-    const bool personIsHere = QGuiApplication::applicationState() == Qt::ApplicationActive;
+    QWidget *window = parentWidget() ? parentWidget()->window() : nullptr;
+    const bool personIsHere = isActiveWindow() || (window && window->isActiveWindow());
     hide();
-    // Not every desktop gives the focus back by itself; from another program it must not be taken.
-    if (personIsHere && parentWidget()) parentWidget()->window()->activateWindow();
+    // Not every desktop gives the focus back by itself; from another window it must not be taken.
+    if (personIsHere && window) window->activateWindow();
 }
 
 // QDialog sends Escape and the close command here.

@@ -151,7 +151,7 @@ private Q_SLOTS:
 
     void progressIsLinesWhereThereIsNoTerminal()
     {
-        const Result result = run({m_media + u"plain.mp4"_s, u"-o"_s, u"lines"_s});
+        const Result result = run({m_media + u"long.mp4"_s, u"-o"_s, u"lines"_s});
         QVERIFY2(QRegularExpression(u"^(\\d+ %\n)+$"_s).match(result.error).hasMatch(),
                  qPrintable(result.error));
     }

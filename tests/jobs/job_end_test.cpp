@@ -40,8 +40,11 @@ FileProbe video(const Lengths &lengths, FrameSize size = {320, 180}, int picture
     QByteArray streams = streamReport(picture.constData(), lengths.picture);
     if (lengths.sound > 0)
         streams += ',' + streamReport(R"({"codec_type":"audio","codec_name":"aac",)", lengths.sound);
-    FileProbe probe = FileProbe::fromReport(
-        u"/videos/saved/out.mp4"_s, R"({"format":{"format_name":"mov,mp4"},"streams":[)" + streams + "]}");
+    const bool canBeWritten = std::isfinite(lengths.container);
+    FileProbe probe = FileProbe::fromReport(u"/videos/saved/out.mp4"_s,
+                                            R"({"format":{"format_name":"matroska,webm","duration":")" +
+                                                QByteArray::number(canBeWritten ? lengths.container : 0) +
+                                                R"("},"streams":[)" + streams + "]}");
     probe.duration = lengths.container;
     probe.fileSize = 100000;
     return probe;
@@ -76,6 +79,7 @@ private Q_SLOTS:
     void detailsAreTheLastLines();
     void remarksOnDamage_data();
     void remarksOnDamage();
+    void remarksOnALostSound();
     void remarksOnTheLength_data();
     void remarksOnTheLength();
 };
@@ -210,10 +214,17 @@ void TestJobEnd::remarksOnDamage_data()
     };
     row(0, 50, {});
     row(1, 50, u"1 error while reading the input: the picture may be damaged."_s);
-    row(49, 50, u"49 errors while reading the input: the picture may be damaged."_s);
-    row(50, 50, u"serious: 50 errors while reading the input: it is damaged or encrypted."_s);
+    row(24, 50, u"24 errors while reading the input: the picture may be damaged."_s);
+    row(25, 50, u"serious: 25 errors while reading the input: it is damaged or encrypted."_s);
     row(1, 1, u"serious: 1 error while reading the input: it is damaged or encrypted."_s);
     row(9000, 0, u"9000 errors while reading the input: the picture may be damaged."_s);
+}
+
+void TestJobEnd::remarksOnALostSound()
+{
+    const auto lost = u"serious: The new video has no sound, although the original has."_s;
+    QCOMPARE(told(remarksOn({}, video({2, 2, 2}), video({2, 0, 2}))), lost);
+    QCOMPARE(told(remarksOn({}, video({2, 0, 2}), video({2, 0, 2}))), QString());
 }
 
 void TestJobEnd::remarksOnDamage()

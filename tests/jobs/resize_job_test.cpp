@@ -160,7 +160,7 @@ void TestResizeJob::fails_data()
     row("more than ffmpeg can count", plain, out, qint64(1) << 32, 180,
         u"The new video came out as 640 x 180, not 4294967296 x 180: choose a smaller size."_s, gone);
     row("folder vanished", plain, u"no/such/out.mp4"_s, 320, 180,
-        u"The folder for the new video is no longer there."_s, gone);
+        u"The folder for the new video does not exist."_s, gone);
     row("target is a folder", plain, u"folder.mp4"_s, 320, 180,
         u"The name of the new video belongs to a folder."_s, gone);
     row("long name", plain, QString(300, u'x') + u".mp4"_s, 320, 180,
@@ -292,8 +292,8 @@ void TestResizeJob::remarks_data()
         << plain << 50 << u"done, serious: 50 errors while reading the input: it is damaged or encrypted."_s;
     QTest::newRow("shorter than the input, and errors")
         << media + u"long.mp4"_s << 1
-        << u"done, 1 error while reading the input: the picture may be damaged., serious: The new video is "
-           "shorter than the original says: 00:00:02.00 instead of 00:00:30.00."_s;
+        << u"done, serious: The new video is shorter than the original says: 00:00:02.00 instead of "
+           "00:00:30.00., 1 error while reading the input: the picture may be damaged."_s;
 }
 
 void TestResizeJob::remarks()

@@ -19,7 +19,7 @@ private:
     {
         window.show();
         window.activateWindow();
-        QVERIFY(QTest::qWaitForWindowActive(&window));
+        QTRY_COMPARE(QApplication::activeWindow(), &window);
     }
 
 private Q_SLOTS:

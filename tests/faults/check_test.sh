@@ -7,7 +7,7 @@ programs=$2
 tree=$(mktemp -d)
 trap 'rm -rf "$tree"' EXIT
 # Few lines, so that few programs are asked.
-{ for case in $(seq 1 30); do printf '%s\tdone\tmust\t-\tnot run: no reason\n' "$case"; done; grep '	json_big_input	' "$table"; } >"$tree/good"
+{ for case in $(seq 1 40); do printf '%s\tdone\tmust\t-\tnot run: no reason\n' "$case"; done; grep '	json_big_input	' "$table"; } >"$tree/good"
 
 expect() { # expect STATUS WHAT, for the table "$tree/now"
     local status=0

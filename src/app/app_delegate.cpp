@@ -76,9 +76,9 @@ void AppDelegate::showHelp()
     showAlert(u"Questions?"_s, supportAddress);
 }
 
-void AppDelegate::showAlert(const QString &message, const QString &information)
+void AppDelegate::showAlert(const QString &message, const QString &information, const QString &details)
 {
-    Alert alert{.messageText = message, .informativeText = information};
+    Alert alert{.messageText = message, .informativeText = information, .detailsText = details};
     alert.addButtonWithTitle(u"OK"_s);
     alert.beginSheet(window.get());
 }

@@ -106,7 +106,8 @@ public:
     void removeTemporaryWorkspace();
     void showHelp();
     void showAbout(); // about.cpp
-    void showAlert(const QString &message, const QString &information);
+    // The details are shown when a person asks for them; empty: there are none.
+    void showAlert(const QString &message, const QString &information, const QString &details = {});
     // Whether a job, a panel or a probe has not ended yet, so that nothing may be opened or saved.
     bool isBusy() const;
 
@@ -155,6 +156,7 @@ private:
     void connectActions(MainWindow *form);
     void openCopiedFile();
     void tellCountOfDrop();
+    void probeInput(const QString &path);
     void refuse(Refusal refusal);
     void connectSizeMenu(QMenu *menu); // size_menu.cpp
     void updateSizeMenu(bool enabled);

@@ -11,10 +11,14 @@
 #include <QFileInfo>
 #include <QGuiApplication>
 #include <QStandardPaths>
+#include <QTimer>
+
+#include <limits>
 
 namespace tessaly {
 
 using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
 
 void AppDelegate::openMenuBTNClicked(QObject *)
 {
@@ -66,9 +70,10 @@ void AppDelegate::openVideo(const QUrl &url)
     resetInterface();
     const QString path = filePath(url);
     m_lastVideoFolder = QFileInfo(path).path();
-    globalFP = std::make_shared<const FileProbe>(path, probeLimit);
+    probeInput(path);
     if (runsAreEnding()) return;
     if (const std::optional<Refusal> refusal = refusalOf(*globalFP, path)) {
+        if (progressWindow->isVisible()) endAnalyzingSheet();
         refuse(*refusal);
         return;
     }
@@ -78,16 +83,31 @@ void AppDelegate::openVideo(const QUrl &url)
     showInputResolution();
 }
 
+// A slow disk, or a pipe that nobody writes, is not waited for in silence.
+void AppDelegate::probeInput(const QString &path)
+{
+    QTimer slow;
+    slow.setSingleShot(true);
+    connect(&slow, &QTimer::timeout, this, [this, path] {
+        showAnalyzingSheet();
+        progressBar->setDoubleValue(std::numeric_limits<double>::infinity()); // nobody knows how far it is
+        progressDetail->setText(lastPathComponent(path));
+    });
+    slow.start(300ms);
+    globalFP = std::make_shared<const FileProbe>(path, probeLimit);
+}
+
 void AppDelegate::refuse(Refusal refusal)
 {
-    window->showStatus(globalFP->proberFailure.value_or(QString()));
+    const QString details = refusalDetails(*globalFP);
+    window->showStatus(details);
     posterView->setDimmed(true); // the picture that stays is not that of this file
     if (refusal == Refusal::dvdFile) {
-        showAlert(u"Tessaly cannot open .VOB files."_s, u"Questions? : "_s + supportAddress);
+        showAlert(u"Tessaly cannot open .VOB files."_s, u"Questions? : "_s + supportAddress, details);
         return;
     }
     showAlert(u"Seems to be an unsupported file.\nDoes the video play in a video player?"_s,
-              u"Please try opening some other file or contact : "_s + supportAddress);
+              u"Please try opening some other file or contact : "_s + supportAddress, details);
 }
 
 void AppDelegate::enableInterface()

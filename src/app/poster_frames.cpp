@@ -38,6 +38,7 @@ void AppDelegate::extractPosterFrames(double duration, const QString &inputPath)
     remakeFolder(posterFrameFolder());
     if (const std::optional<QString> creator = pathForResource(u"creator"_s)) {
         for (int number = 1; number <= posterFrameCount; ++number) {
+            progressDetail->setText(tr("Still %1 of %2").arg(number).arg(posterFrameCount));
             const ProcessOutcome outcome =
                 runToEnd(*creator, posterFrameArguments(number, duration, inputPath), {.time = stillLimit});
             if (outcome.end == ProcessOutcome::End::stopped) break; // the program is ending
@@ -53,12 +54,13 @@ void AppDelegate::showAnalyzingSheet()
     progressCancel->hide();
     progressBar->setDoubleValue(0);
     progressTitle->setText(u"Analyzing Video..."_s);
-    progressWindow->beginSheet(window.get());
+    if (!progressWindow->isVisible()) progressWindow->beginSheet(window.get());
 }
 
 void AppDelegate::endAnalyzingSheet()
 {
     progressBar->setDoubleValue(0);
+    progressDetail->clear();
     progressWindow->endSheet();
     progressCancel->show();
 }

@@ -74,7 +74,6 @@ ProgressSheet::ProgressSheet(QWidget *parent)
 void ProgressSheet::beginSheet(QWidget *window)
 {
     setParent(window, windowFlags());
-    m_detail->setVisible(!m_cancel->isHidden());
     setWindowTitle(m_title->text());
     // A label's text is mirrored by the direction of its letters, not by that of the window.
     const auto side = isRightToLeft() ? Qt::AlignRight : Qt::AlignLeft;

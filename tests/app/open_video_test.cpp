@@ -5,8 +5,10 @@
 #include "support/test_case.h"
 
 #include <QClipboard>
+#include <QMessageBox>
 #include <QMimeData>
 #include <QStatusBar>
+#include <QTimer>
 
 using namespace tessaly;
 using namespace tessaly::test;
@@ -42,6 +44,56 @@ private Q_SLOTS:
         app = std::make_unique<AppHarness>();
     }
     void cleanup() { app.reset(); }
+
+    void whatTakesItsTimeIsFollowed_data()
+    {
+        QTest::addColumn<QString>("slowTool");
+        QTest::addColumn<QString>("told");
+        QTest::addColumn<bool>("busy");
+        QTest::newRow("the prober") << u"sniffer"_s << u"slow film.mp4"_s << true;
+        QTest::newRow("the first still") << u"creator"_s << u"Still 1 of 11"_s << false;
+    }
+    void whatTakesItsTimeIsFollowed()
+    {
+        QFETCH(QString, slowTool);
+        QFETCH(QString, told);
+        QFETCH(bool, busy);
+        const QString goAhead = app->folder.filePath(u"go ahead"_s);
+        app->letProberReport(640, 360);
+        if (busy)
+            app->tools.setSteps(slowTool, {{u"wait-for-file"_s, goAhead}, {u"rubbish"_s}});
+        else
+            app->tools.setSteps(slowTool, {{u"wait-for-file"_s, goAhead}});
+        const auto &sheet = app->delegate.progressWindow;
+        QString title;
+        bool wasBusy = !busy;
+        QTimer look;
+        connect(&look, &QTimer::timeout, this, [&] {
+            if (!sheet->isVisible() || app->delegate.progressDetail->text() != told) return;
+            title = app->delegate.progressTitle->text();
+            wasBusy = app->delegate.progressBar->isBusy();
+            app->makeFile(u"go ahead"_s); // otherwise it would take for ever
+        });
+        look.start(5);
+        const QString path = app->makeFile(u"slow film.mp4"_s);
+        AppHarness::inEventLoop([&] { app->delegate.openVideo(QUrl::fromLocalFile(path)); });
+        QCOMPARE(title, u"Analyzing Video..."_s);
+        QCOMPARE(wasBusy, busy);
+        QVERIFY(!sheet->isVisible());
+        QVERIFY(app->delegate.progressDetail->text().isEmpty());
+        QCOMPARE(app->alert() != nullptr, busy); // what the slow prober said was no report
+    }
+
+    void theReasonOfARefusalCanBeRead()
+    {
+        app->letProberReport(R"({"error": {"code": -2, "string": "No such file or directory"}})");
+        app->drop(app->makeFile(u"gone.mp4"_s));
+        const auto *box = qobject_cast<const QMessageBox *>(app->alert());
+        QVERIFY(box);
+        QCOMPARE(box->detailedText(), u"No such file or directory"_s);
+        QVERIFY2(app->told().endsWith("| No such file or directory"_L1), qPrintable(app->told()));
+        QCOMPARE(app->alertButtons(), QStringList{u"OK"_s});
+    }
 
     void anAcceptedFileEnablesTheWindow()
     {

@@ -128,6 +128,9 @@ void AppHarness::choose(const QString &path)
 
 void AppHarness::saveTo(const QString &path)
 {
+    // A shortcut is one of the active window, which it may not be yet after a sheet.
+    window.activateWindow();
+    QTRY_COMPARE(QApplication::activeWindow(), &window);
     QTest::keyClick(&window, Qt::Key_S, Qt::ControlModifier);
     choose(path);
 }

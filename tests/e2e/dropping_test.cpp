@@ -170,7 +170,9 @@ void DroppingTest::takesAFileEverywhereAndNeverMovesIt_data()
         {"the size slider", {Role::slider, u"Size in percent of the input"_s}},
         {"the tool bar", {Role::button, u"Help"_s}}};
     for (const auto &[name, place] : places) {
-        for (const QString &offer : {u"copy"_s, u"copy,move"_s, u"move"_s, u"link"_s})
+        const bool every = name == places[0].first || name == places[1].first; // the rest goes the same way
+        for (const QString &offer : every ? QStringList{u"copy"_s, u"copy,move"_s, u"move"_s, u"link"_s}
+                                          : QStringList{u"copy,move"_s})
             QTest::addRow("%s, offered: %s", name, qPrintable(offer))
                 << place << offer << (offer.startsWith("copy"_L1) ? u"copy"_s : u"nothing"_s);
     }

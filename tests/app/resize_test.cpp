@@ -12,6 +12,12 @@ class TestResize : public TestCase, private ResizeStage
 {
     Q_OBJECT
 
+private:
+    // The converter waits until the test has seen what it was to see.
+    QStringList untilSeen(int step) const { return {u"wait-for-file"_s, app->folder.filePath(nameOf(step))}; }
+    void haveSeen(int step) const { app->makeFile(nameOf(step)); }
+    static QString nameOf(int step) { return u"seen %1"_s.arg(step); }
+
 private Q_SLOTS:
     void init()
     {
@@ -90,17 +96,24 @@ private Q_SLOTS:
     void theSheetFollowsTheConverter()
     {
         open();
-        letConverter({{u"progress"_s, u"150"_s, u"frame=1 time=00:00:02.50 bitrate=1\r"_s,
-                       u"frame=2 time=00:00:05.00 bitrate=1\r"_s, u"frame=2 time=N/A bitrate=1\r"_s,
-                       u"frame=3 time=00:00:15.00 bitrate=1\r"_s},
+        letConverter({{u"complain"_s, u"frame=1 time=00:00:02.50 bitrate=1\r"_s},
+                      untilSeen(1),
+                      {u"complain"_s, u"frame=2 time=00:00:05.00 bitrate=1\r"_s},
+                      untilSeen(2),
+                      {u"complain"_s, u"frame=2 time=N/A bitrate=1\r"_s},
+                      {u"wait-until-read"_s},
+                      {u"complain"_s, u"frame=3 time=00:00:15.00 bitrate=1\r"_s},
+                      untilSeen(3),
                       {u"write-output"_s, u"video"_s}});
         app->saveTo(output());
         QTRY_VERIFY(isConverting());
         QCOMPARE(app->delegate.progressTitle->text(), u"Resizing Video..."_s);
         QVERIFY(app->delegate.progressCancel->isVisible());
-        QTRY_COMPARE(app->delegate.progressBar->doubleValue(), 25.0);
-        QTRY_COMPARE(app->delegate.progressBar->doubleValue(), 50.0);
-        QTRY_COMPARE(app->delegate.progressBar->doubleValue(), 150.0); // not clamped
+        int step = 0;
+        for (const double value : {25.0, 50.0, 150.0}) { // not clamped
+            QTRY_COMPARE(app->delegate.progressBar->doubleValue(), value);
+            haveSeen(++step);
+        }
         QTRY_VERIFY(app->alert());
         QCOMPARE(app->delegate.progressBar->doubleValue(), 0.0);
         QVERIFY(app->delegate.progressCancel->isHidden());
@@ -110,11 +123,12 @@ private Q_SLOTS:
     {
         app->letProberReport(640, 360, u"0"_s);
         app->drop(app->makeFile(u"clip.mov"_s));
-        letConverter({{u"progress"_s, u"400"_s, u"time=00:00:01.00 \r"_s}, {u"write-output"_s, u"video"_s}});
+        letConverter(
+            {{u"complain"_s, u"time=00:00:01.00 \r"_s}, untilSeen(1), {u"write-output"_s, u"video"_s}});
         app->saveTo(output());
         QTRY_VERIFY(std::isinf(app->delegate.progressBar->doubleValue()));
         QCOMPARE(app->delegate.progressBar->isBusy(), true);
-        QVERIFY(app->delegate.progressDetail->text().isEmpty());
+        haveSeen(1);
         QTRY_VERIFY(app->alert());
     }
 
@@ -127,12 +141,16 @@ private Q_SLOTS:
         QTRY_VERIFY(app->alert());
         app->answerAlert();
         letConverter({{u"pause"_s, u"2100"_s}, // before that nothing is told
-                      {u"progress"_s, u"200"_s, u"time=00:00:03.00 \r"_s, u"time=00:00:03.10 \r"_s},
+                      {u"complain"_s, u"time=00:00:03.00 \r"_s},
+                      {u"wait-until-read"_s},
+                      {u"complain"_s, u"time=00:00:03.10 \r"_s},
+                      untilSeen(1),
                       {u"write-output"_s, u"video"_s}});
         app->delegate.saveResponse(1, output());
         QTRY_VERIFY(!app->delegate.progressDetail->text().isEmpty());
         QVERIFY2(app->delegate.progressDetail->text().startsWith("31 %"_L1),
                  qPrintable(app->delegate.progressDetail->text()));
+        haveSeen(1);
         QTRY_VERIFY(app->alert());
         QVERIFY(app->delegate.progressDetail->text().isEmpty());
     }

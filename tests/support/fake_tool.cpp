@@ -17,6 +17,7 @@
 #include <iterator>
 #include <map>
 #include <string>
+#include <sys/ioctl.h>
 #include <sys/stat.h>
 #include <thread>
 #include <unistd.h>
@@ -224,6 +225,13 @@ void waitForTurn(const std::string &prefix)
     waitForFile(prefix + std::to_string(numberOfThisCall()));
 }
 
+void waitUntilRead()
+{
+    int left = 0;
+    while (ioctl(STDERR_FILENO, FIONREAD, &left) == 0 && left > 0)
+        pauseFor("1");
+}
+
 void progress(const Texts &texts)
 {
     for (std::size_t i = 1; i < texts.size(); ++i) {
@@ -251,6 +259,7 @@ const std::map<std::string, std::function<void(const Texts &)>> behaviours = {
     {"flood-stderr", [](const Texts &p) { flood(STDERR_FILENO, std::stoll(p.at(0))); }},
     {"pause", [](const Texts &p) { pauseFor(p.at(0)); }},
     {"wait-for-file", [](const Texts &p) { waitForFile(p.at(0)); }},
+    {"wait-until-read", [](const Texts &) { waitUntilRead(); }},
     {"wait-for-turn", [](const Texts &p) { waitForTurn(p.at(0)); }},
     {"hang", [](const Texts &) { hang(); }},
     {"ignore-terminate", [](const Texts &) { std::signal(SIGTERM, SIG_IGN); }},

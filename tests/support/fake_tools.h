@@ -9,6 +9,7 @@
 //   flood-stdout BYTES, flood-stderr BYTES
 //   pause MILLISECONDS
 //   wait-for-file PATH                    until it is there
+//   wait-until-read                       until what was written to standard error has been read
 //   wait-for-turn PREFIX                  until PREFIX with the number of this call behind it is there
 //   hang                                  for ever, until a signal ends it
 //   ignore-terminate                      from here on

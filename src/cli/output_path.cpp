@@ -26,6 +26,12 @@ bool namesAnotherContainer(const QString &extension)
     return std::find(otherContainers.begin(), otherContainers.end(), extension) != otherContainers.end();
 }
 
+// "/dev/stdout" may lead to an ordinary file; nobody means a new file beside it.
+bool isAmongDevices(const QString &path)
+{
+    return path.startsWith("/dev/"_L1) && !path.startsWith("/dev/shm/"_L1);
+}
+
 } // namespace
 
 std::optional<QString> nameRefusal(const NamedFile &output)
@@ -36,7 +42,7 @@ std::optional<QString> nameRefusal(const NamedFile &output)
     if (output.path->endsWith(u'/') || there.isDir())
         return output.shown + u" is a folder: name a file in it, such as "_s +
                (output.shown.endsWith(u'/') ? output.shown : output.shown + u'/') + u"small.mp4."_s;
-    if (there.exists() && !there.isFile())
+    if ((there.exists() && !there.isFile()) || isAmongDevices(*output.path))
         return output.shown + u" is a device or a pipe: name a file, such as small.mp4."_s;
     const QString extension = pathExtension(*output.path);
     if (namesAnotherContainer(extension.toLower()))

@@ -55,7 +55,9 @@ void OutputPathTest::names_data()
     const auto mp4 = u"The new video is an MP4 file: name it "_s;
     row("-", u"The new video cannot be written to standard output: name a file, such as small.mp4."_s);
     row("/dev/null", device);
-    row("/dev/stdout.mp4", {}); // nothing is there: the folder decides
+    row("/dev/stdout", device);
+    row("/dev/small", device);
+    row("/dev/shm/small", {}); // memory, not a device
     row("pipe.mp4", device);
     row("device.mp4", device);
     row("folder", u"%1 is a folder: name a file in it, such as %1/small.mp4."_s);

@@ -16,7 +16,10 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-bool writeFile(const char *path, const QByteArray &text)
+// Between fork and exec there are a few kilobytes of stack, and the sanitizers would take more.
+#define TESSALY_ON_A_SMALL_STACK __attribute__((no_sanitize("address", "undefined")))
+
+TESSALY_ON_A_SMALL_STACK bool writeFile(const char *path, const QByteArray &text)
 {
     const int file = ::open(path, O_WRONLY | O_CLOEXEC);
     const bool isWritten = file >= 0 && ::write(file, text.constData(), text.size()) == text.size();
@@ -26,7 +29,7 @@ bool writeFile(const char *path, const QByteArray &text)
 
 // Root may have mounts of its own at once; others get there by a user namespace in which they stay who they
 // are.
-bool takeOwnMounts()
+TESSALY_ON_A_SMALL_STACK bool takeOwnMounts()
 {
     if (::unshare(CLONE_NEWNS) == 0) return true;
     const QByteArray user = QByteArray::number(::getuid());
@@ -36,14 +39,14 @@ bool takeOwnMounts()
            writeFile("/proc/self/gid_map", group + ' ' + group + " 1");
 }
 
-bool mountOn(const QByteArray &folder)
+TESSALY_ON_A_SMALL_STACK bool mountOn(const QByteArray &folder)
 {
     return takeOwnMounts() && ::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0 &&
            ::mount("tmpfs", folder.constData(), "tmpfs", 0, "size=256k") == 0;
 }
 
 // Writes until nothing more fits, then gives some bytes back.
-bool fill(const QByteArray &path, qint64 freeBytes)
+TESSALY_ON_A_SMALL_STACK bool fill(const QByteArray &path, qint64 freeBytes)
 {
     static const char block[4096] = {};
     const int file = ::open(path.constData(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600);
@@ -78,7 +81,7 @@ SmallDisk::SmallDisk(const QString &folder) : m_folder(folder)
 std::function<void()> SmallDisk::mounting() const
 {
     if (!m_isMounted) return {};
-    return [folder = QFile::encodeName(m_folder)] {
+    return [folder = QFile::encodeName(m_folder)]() TESSALY_ON_A_SMALL_STACK {
         if (!mountOn(folder)) ::_exit(1);
     };
 }
@@ -87,13 +90,13 @@ std::function<void()> SmallDisk::mountingWith(qint64 freeBytes) const
 {
     const QByteArray folder = QFile::encodeName(m_folder);
     if (!m_isMounted) {
-        return [freeBytes] {
+        return [freeBytes]() TESSALY_ON_A_SMALL_STACK {
             const rlimit limit{rlim_t(freeBytes), rlim_t(freeBytes)};
             ::signal(SIGXFSZ, SIG_IGN);
             if (::setrlimit(RLIMIT_FSIZE, &limit) != 0) ::_exit(1);
         };
     }
-    return [folder, filler = folder + "/filler", freeBytes] {
+    return [folder, filler = folder + "/filler", freeBytes]() TESSALY_ON_A_SMALL_STACK {
         if (!mountOn(folder) || !fill(filler, freeBytes)) ::_exit(1);
     };
 }

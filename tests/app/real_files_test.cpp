@@ -7,6 +7,7 @@
 #include "support/test_case.h"
 
 #include <QCryptographicHash>
+#include <QDeadlineTimer>
 #include <QStatusBar>
 
 #include <cmath>
@@ -228,14 +229,17 @@ private Q_SLOTS:
         app->delegate.widthTF->setIntegerValue(640); // what the converter is going to make
         app->delegate.heightTF->setIntegerValue(360);
         app->tools.setSteps(u"creator"_s,
-                            {{u"progress"_s, u"0"_s, u"time=00:00:00.00 \r"_s, u"time=00:00:00.04 \r"_s},
+                            {{u"complain"_s, u"time=00:00:00.00 \r"_s},
+                             {u"wait-until-read"_s}, // a chunk of its own
+                             {u"complain"_s, u"time=00:00:00.04 \r"_s},
                              {u"wait-for-file"_s, app->folder.filePath(u"go ahead"_s)},
                              {u"progress"_s, u"0"_s, u"time=00:00:01.00 \r"_s},
                              {u"copy-to-output"_s, QStringLiteral(TESSALY_MEDIA_FOLDER "/plain.mp4")}});
         QStringList shown;
         app->delegate.saveResponse(1, output());
         QTRY_VERIFY(app->delegate.progressWindow->isVisible());
-        while (app->delegate.progressWindow->isVisible()) {
+        const QDeadlineTimer limit(patience);
+        while (app->delegate.progressWindow->isVisible() && !limit.hasExpired()) {
             const bool isBusy = app->delegate.progressBar->isBusy();
             const QString text =
                 isBusy ? u"busy"_s : QString::number(app->delegate.progressBar->doubleValue());

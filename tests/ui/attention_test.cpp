@@ -68,6 +68,21 @@ private Q_SLOTS:
         QCOMPARE(runs, 1);
     }
 
+    void workWaitsWhileOtherProgramsTakeTurns()
+    {
+        Attention attention(&m_window, true);
+        QWidget another;
+        bring(m_elsewhere);
+        int runs = 0;
+        attention.whenThere(attention.isThere(), [&runs] { ++runs; });
+        bring(another);
+        bring(m_elsewhere);
+        QCoreApplication::processEvents();
+        QCOMPARE(runs, 0);
+        bring(m_window);
+        QTRY_COMPARE(runs, 1);
+    }
+
     void aPermissionToComeToTheFrontIsPassedOn()
     {
         Attention(&m_window, true).bringToFront(u"token"_s);

@@ -95,12 +95,14 @@ public:
 
     void begin(PanelCompletion completion)
     {
-        // Qt knows only the files that it lists; a name is judged when it is accepted.
+        // While a path is typed, Qt selects in its list what the path leads over. A selection counts more
+        // than the text, and its name replaces the text where the list of completions has just taken the
+        // focus. And Qt knows only the files that it lists; here what is typed stands, and is judged when it
+        // is accepted.
+        disconnect(nameField(), &QLineEdit::textChanged, this, nullptr);
+        connect(nameField(), &QLineEdit::textEdited, this, [this] { list()->clearSelection(); });
         connect(nameField(), &QLineEdit::textChanged, this,
                 [this](const QString &name) { acceptButton()->setEnabled(!name.isEmpty()); });
-        // While a path is typed, Qt selects in its list what the path leads over, such as the folder itself,
-        // and a selection counts more than the text. The match of the whole text is selected after this.
-        connect(nameField(), &QLineEdit::textEdited, this, [this] { list()->clearSelection(); });
         // Not from within the dialog's own functions: what follows may take long, and the dialog dies
         // meanwhile.
         connect(this, &QDialog::finished, this, [this, completion = std::move(completion)](int result) {

@@ -26,6 +26,7 @@ private Q_SLOTS:
     void takesATypedPath();
     void takesATypedPathOnceTheListIsComplete_data();
     void takesATypedPathOnceTheListIsComplete();
+    void keepsWhatIsTypedWhileItsFieldHasNoFocus();
     void takesReturn();
     void isCancelled_data();
     void isCancelled();
@@ -151,6 +152,21 @@ void OpenPanelTest::takesATypedPathOnceTheListIsComplete()
     QTRY_COMPARE(driver.answers.size(), 1);
     QVERIFY2(isSameFile(driver.answers.first().second, path(u"clip.mp4"_s)),
              qPrintable(driver.answers.first().second));
+}
+
+// A list of completions can take the focus away while a person types on; Qt then puts the name of the file
+// that the text leads to in the place of the path.
+void OpenPanelTest::keepsWhatIsTypedWhileItsFieldHasNoFocus()
+{
+    PanelDriver driver;
+    OpenPanel{{}, QDir::rootPath()}.beginSheet(&driver.window, driver.completion());
+    QVERIFY(QTest::qWaitForWindowActive(driver.panel(), test::waitLimit));
+    driver.panel()->findChild<QWidget *>(u"lookInCombo"_s)->setFocus();
+    QVERIFY(!driver.nameField()->hasFocus());
+    QTest::keyClicks(driver.nameField(), path(u"clip.mp4"_s));
+    QCOMPARE(driver.nameField()->text(), path(u"clip.mp4"_s));
+    driver.accept();
+    QTRY_COMPARE(driver.answers, (PanelDriver::Answers{{1, path(u"clip.mp4"_s)}}));
 }
 
 void OpenPanelTest::takesReturn()

@@ -35,6 +35,15 @@ std::optional<Control> findIn(const Control &control, Role role, const QString &
     return std::nullopt;
 }
 
+QString stateOf(const Control &control)
+{
+    QString words;
+    if (!control.is(State::enabled)) words += u" (disabled)"_s;
+    if (control.is(State::focused)) words += u" (focused)"_s;
+    if (control.role() == Role::field) words += u" holds \"%1\""_s.arg(control.text());
+    return words;
+}
+
 } // namespace
 
 Control::Control(QDBusConnection bus, QString service, QString path)
@@ -139,9 +148,9 @@ QString describeControls(const Control &root, int depth)
     const QList<Control> children = root.children();
     for (const Control &child : children) {
         if (!child.is(State::showing)) continue;
-        lines += QString(depth * 2, u' ') +
-                 u"role %1 \"%2\"%3\n"_s.arg(static_cast<uint>(child.role()))
-                     .arg(child.name(), child.is(State::enabled) ? u""_s : u" (disabled)"_s);
+        lines +=
+            QString(depth * 2, u' ') +
+            u"role %1 \"%2\"%3\n"_s.arg(static_cast<uint>(child.role())).arg(child.name(), stateOf(child));
         if (!isCollection(child.role())) lines += describeControls(child, depth + 1);
     }
     return lines;

@@ -54,7 +54,7 @@ Desktop::~Desktop()
 void Desktop::makeFolders()
 {
     const auto folder = [this](const QString &name) {
-        const QString path = m_root.filePath(name);
+        QString path = m_root.filePath(name);
         QDir().mkpath(path);
         QFile::setPermissions(path, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
         return path;

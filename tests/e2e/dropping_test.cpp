@@ -34,7 +34,7 @@ private Q_SLOTS:
 
 private:
     bool drag(Program &source, const Program &target, const Place &place, const QString &answer);
-    bool enterUntil(const QPoint &to, const QPoint &home, Program &source, const QString &answer);
+    bool enter(const QPoint &to, const QPoint &home, Program &source, const QString &answer);
     bool restOn(const QPoint &to, const Program &target);
 };
 
@@ -76,25 +76,25 @@ bool DroppingTest::drag(Program &source, const Program &target, const Place &pla
         desktop().xdotool(at(from - QPoint(4 * step, 0)));
     for (int step = 1; step <= 12; ++step)
         desktop().xdotool(at(from + (edge - from) * step / 12));
-    const bool isAnswered =
-        answer == "nothing"_L1 ? restOn(to, target) : enterUntil(to, from, source, answer);
+    const bool isAnswered = answer == "nothing"_L1 ? restOn(to, target) : enter(to, from, source, answer);
     desktop().xdotool({u"mouseup"_s, u"1"_s});
     return isAnswered &&
            QTest::qWaitFor([&] { return source.standardOutput().contains(u"done "_s + answer); }, waitLimit);
 }
 
-// A target answers each movement. Letting go before the last answer is there would lose the drop, so the last
-// movement is one that changes the answer: from the source itself, which takes nothing.
-bool DroppingTest::enterUntil(const QPoint &to, const QPoint &home, Program &source, const QString &answer)
+// A target answers late, so a "copy" may still be the answer to an earlier place. Each wait here is for what
+// only the last movement can have brought about: over the edge a first "copy", over the source itself, which
+// takes nothing, the end of it, and over the goal a second one.
+bool DroppingTest::enter(const QPoint &to, const QPoint &home, Program &source, const QString &answer)
 {
-    const auto isAnswered = [&] { return answerOf(source) == answer; };
-    for (int attempt = 0; attempt < 60; ++attempt) {
-        desktop().xdotool(at(home));
-        (void)QTest::qWaitFor([&] { return !isAnswered(); }, 1000);
-        desktop().xdotool(at(to));
-        if (QTest::qWaitFor(isAnswered, 1000)) return true;
-    }
-    return false;
+    const auto waitFor = [&](const QString &awaited) {
+        return QTest::qWaitFor([&] { return answerOf(source) == awaited; }, waitLimit);
+    };
+    if (!waitFor(answer)) return false;
+    desktop().xdotool(at(home));
+    if (!waitFor(u"nothing"_s)) return false;
+    desktop().xdotool(at(to));
+    return waitFor(answer);
 }
 
 // The source does not hear of a refusal; the target gets the time for many answers.

@@ -56,7 +56,7 @@ QString EndToEndCase::clip(const QString &name)
 
 QString EndToEndCase::copyOfClip(const QString &clipName, const QString &name)
 {
-    const QString path = file(name);
+    QString path = file(name);
     if (!QFile::copy(clip(clipName), path)) qFatal("no copy of %s", qUtf8Printable(clipName));
     return path;
 }

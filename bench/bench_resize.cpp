@@ -132,7 +132,7 @@ private:
     {
         const Pulse pulse;
         m_window.saveHalf(m_output);
-        const std::vector<double> gaps = pulse.gaps();
+        std::vector<double> gaps = pulse.gaps();
         m_window.answerReport();
         takeRecords();
         return gaps;

@@ -12,7 +12,7 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr std::chrono::seconds versionTimeLimit(5);
-constexpr qint64 longestAnswer = 64 * 1024; // bytes
+constexpr qint64 longestAnswer = 64LL * 1024; // bytes
 
 // "ffmpeg version 5.1.6-0+deb12u1 Copyright (c) ..." holds it as its third word.
 QString versionOf(const QString &tool)

@@ -32,8 +32,10 @@ ResizeJob::ResizeJob(std::shared_ptr<const FileProbe> input, ResizeTarget target
 {}
 
 ResizeJob::ResizeJob(std::shared_ptr<const FileProbe> input, ResizeTarget target)
-    : ResizeJob(input, target,
-                buildResizeArguments(*input, *input->fileFullPath, target.path, target.width, target.height))
+    : m_input(std::move(input)),
+      m_target(std::move(target)),
+      m_arguments(buildResizeArguments(*m_input, *m_input->fileFullPath, m_target.path, m_target.width,
+                                       m_target.height))
 {}
 
 void ResizeJob::convert(const Progress &progress)

@@ -7,7 +7,7 @@ namespace tessaly {
 namespace {
 
 constexpr std::string_view digits = "0123456789";
-constexpr std::string_view hexDigits = "0123456789abcdefABCDEF";
+constexpr std::string_view digitsOfEscape = "0123456789abcdefABCDEF";
 
 // Walks over a text byte by byte. Every function that takes something answers whether it was there; if not,
 // the walk has stopped at the byte that cannot stand there, or at the end.
@@ -155,7 +155,7 @@ private:
     bool takeHexDigits(int count)
     {
         for (int i = 0; i < count; ++i) {
-            if (!takeOneOf(hexDigits)) return false;
+            if (!takeOneOf(digitsOfEscape)) return false;
         }
         return true;
     }

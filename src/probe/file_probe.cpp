@@ -36,7 +36,7 @@ QStringList proberArguments(const QString &path)
 
 QString tooLongReport()
 {
-    return u"ffprobe reported more than %1 MiB about the file."_s.arg(reportSizeLimit / (1024 * 1024));
+    return u"ffprobe reported more than %1 MiB about the file."_s.arg(reportSizeLimit / (1024LL * 1024));
 }
 
 QString tooManyStreams()

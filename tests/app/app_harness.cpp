@@ -37,7 +37,7 @@ AppHarness::~AppHarness()
 
 QString AppHarness::makeFile(const QString &name)
 {
-    const QString path = folder.filePath(name);
+    QString path = folder.filePath(name);
     QFile file(path);
     if (!file.open(QIODevice::WriteOnly)) qFatal("A test file could not be made");
     return path;
@@ -69,7 +69,7 @@ void AppHarness::letConverterMakeStills()
 
 QString AppHarness::copyOfClip(const QString &clip, const QString &name)
 {
-    const QString path = folder.filePath(name);
+    QString path = folder.filePath(name);
     if (!QFile::copy(QStringLiteral(TESSALY_MEDIA_FOLDER "/") + clip, path)) qFatal("A clip is missing");
     return path;
 }

@@ -39,7 +39,7 @@ private:
     QString halfOfAStill() const
     {
         app->letConverterMakeStills();
-        const QString half = app->folder.filePath(u"half.jpg"_s);
+        QString half = app->folder.filePath(u"half.jpg"_s);
         QFile::copy(app->folder.filePath(u"still.jpg"_s), half);
         QFile::resize(half, QFileInfo(half).size() - 20);
         return half;

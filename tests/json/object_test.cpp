@@ -221,7 +221,8 @@ void ObjectTest::survivesDeepNesting()
 {
     QFETCH(Object, object);
     QFETCH(Object, same);
-    const Object copy = object;
+    const Object copy =
+        object; // NOLINT(performance-unnecessary-copy-initialization): copying is what is tested
     QVERIFY(copy == same);
 
     const JSON json = JSON::fromObject(object);

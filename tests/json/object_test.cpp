@@ -221,8 +221,8 @@ void ObjectTest::survivesDeepNesting()
 {
     QFETCH(Object, object);
     QFETCH(Object, same);
-    const Object copy =
-        object; // NOLINT(performance-unnecessary-copy-initialization): copying is what is tested
+    // NOLINTNEXTLINE(performance-unnecessary-copy-initialization): the copying is what is tested
+    const Object copy = object;
     QVERIFY(copy == same);
 
     const JSON json = JSON::fromObject(object);

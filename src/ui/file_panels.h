@@ -1,4 +1,5 @@
-// The panels in which a person chooses a file, as window-modal sheets.
+// The panels in which a person chooses a file, as window-modal sheets: the desktop's own where it has some,
+// else Qt's.
 #pragma once
 
 #include <QString>
@@ -15,6 +16,9 @@ using PanelCompletion = std::function<void(int response, const QString &path)>;
 
 constexpr int panelResponseOK = 1;
 constexpr int panelResponseCancel = 0;
+
+// The folder in which a panel starts.
+QString panelFolder(const QString &directory);
 
 // Any one existing file. The fields are read when the sheet begins; the window must not be null. Main thread
 // only.
@@ -37,6 +41,8 @@ struct SavePanel
     QString nameFieldStringValue; // the name that is offered
     QString requiredFileType;     // extension without its point: the only files listed
     NameRule nameRule;            // none: the path is taken as typed
+
+    QString nameFilter() const; // for the required type, as Qt's dialogs want it
 
     // When a file exists at the path that the rule gives, the person is asked before the panel ends; "Cancel"
     // there leads back to the panel.

@@ -1,5 +1,6 @@
 #include "support/test_case.h"
 
+#include <QCoreApplication>
 #include <QHashSeed>
 #include <QRegularExpression>
 #include <QStandardPaths>
@@ -20,6 +21,7 @@ void prepareProcess()
         qputenv(bus, "unix:path=/nonexistent/bus");
     // Against tests that hang; as ctest's, it has nothing to do with how fast the machine is.
     if (!qEnvironmentVariableIsSet("QTEST_FUNCTION_TIMEOUT")) qputenv("QTEST_FUNCTION_TIMEOUT", "900000");
+    QCoreApplication::setAttribute(Qt::AA_DontUseNativeDialogs); // the developer's desktop may have its own
     QHashSeed::setDeterministicGlobalSeed();
     QStandardPaths::setTestModeEnabled(true);
 }

@@ -4,9 +4,15 @@ find_program(TESSALY_GZIP gzip REQUIRED)
 set(packaging "${CMAKE_SOURCE_DIR}/packaging")
 set(packed "${CMAKE_BINARY_DIR}/packaging")
 
-# Puts links to the system's tools into a folder (relative to the prefix) of the installation. A tool below the same
-# prefix gets a relative link, as a package wants it.
+# Puts own tools, or links to the system's, into a folder (relative to the prefix) of the installation. A tool below the
+# same prefix gets a relative link, as a package wants it.
 function(tessaly_install_tools folder)
+  if(TESSALY_TOOLS STREQUAL "own")
+    install(PROGRAMS "${TESSALY_FFPROBE}" DESTINATION "${folder}" RENAME sniffer)
+    install(PROGRAMS "${TESSALY_FFMPEG}" DESTINATION "${folder}" RENAME creator)
+    install(DIRECTORY "${own_tools}/licences/" DESTINATION share/doc/tessaly/tools)
+    return()
+  endif()
   install(
     CODE "
     foreach(pair \"sniffer=${TESSALY_FFPROBE}\" \"creator=${TESSALY_FFMPEG}\")

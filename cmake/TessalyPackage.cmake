@@ -1,4 +1,4 @@
-# cpack: a Debian package that leans on Debian's own Qt and FFmpeg.
+# cpack: a Debian package that leans on Debian's own Qt and, unless it brings own tools, FFmpeg.
 
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_NAME tessaly)
@@ -23,6 +23,9 @@ The command line tessaly-cli does the same without a screen.")
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 # What no library tells: the tools that are run, the plugin that draws the icons, and those that open the window. The library
 # for SVG has held its plugin itself up to the version that is named.
-set(CPACK_DEBIAN_PACKAGE_DEPENDS "ffmpeg, qt6-svg-plugins | libqt6svg6 (<< 6.7.2-5~), qt6-qpa-plugins")
+set(CPACK_DEBIAN_PACKAGE_DEPENDS "qt6-svg-plugins | libqt6svg6 (<< 6.7.2-5~), qt6-qpa-plugins")
+if(TESSALY_TOOLS STREQUAL "system")
+  string(PREPEND CPACK_DEBIAN_PACKAGE_DEPENDS "ffmpeg, ")
+endif()
 set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "qt6-wayland")
 include(CPack)

@@ -46,6 +46,14 @@ need() {
     } || fail "could not install: $missing"
 }
 
+# use_tools PRESET system|own: whose prober and converter are among the resources of that build.
+use_tools() {
+    local log
+    grep -qsx "TESSALY_TOOLS:STRING=$2" "build/$1/CMakeCache.txt" && return 0
+    say "Configuring build/$1 with tools: $2"
+    log=$(cmake --preset "$1" "-DTESSALY_TOOLS=$2" 2>&1) || { printf '%s\n' "$log"; fail "the configuration of $1 failed"; }
+}
+
 # build PRESET [TARGET…]: configures when needed, then builds.
 build() {
     local preset=$1 log

@@ -1,0 +1,73 @@
+#!/usr/bin/env bash
+# Unpacks the archive into the home folder and tries what is in it: try_portable.sh ARCHIVE CLIP WINDOW_CHECK, the clip being of
+# 640 x 360 pixels.
+set -euo pipefail
+archive=$1 clip=$2 window_check=$3
+fail() {
+    echo "$archive: $*"
+    exit 1
+}
+cd
+tar -xf "$archive"
+tree=$PWD/$(tar -tf "$archive" | sed -n '1s|/.*||p')
+mkdir films
+cp "$clip" films/clip.mp4
+size_of() { "$tree/lib/tessaly/sniffer" -v error -select_streams v -show_entries stream=width,height -of csv=p=0 "$1"; }
+
+echo "libraries"
+find "$tree" -type f \( -name '*.so*' -o -perm -100 \) | while read -r file; do
+    missing=$(ldd "$file" 2>/dev/null | grep 'not found' || :)
+    [ -z "$missing" ] || fail "${file#"$tree/"} misses $missing"
+done
+
+echo "command line"
+"$tree/bin/tessaly-cli" resize films/clip.mp4 -o films/small.mp4 --scale 50 || fail "tessaly-cli resize ends with $?"
+[ "$(size_of films/small.mp4)" = 320,180 ] || fail "the new video has another size"
+
+echo "window without a screen"
+bash "$window_check" "$tree/bin/tessaly"
+
+echo "window on an X server"
+mkdir -m 700 runtime
+# shellcheck disable=SC2094
+{
+    mkfifo number
+    Xvfb -displayfd 3 -screen 0 1280x900x24 -nolisten tcp 3>number 2>/dev/null &
+    display=$!
+    trap 'kill "$display" 2>/dev/null || :' EXIT
+    read -r number <number
+}
+export DISPLAY=:$number XDG_RUNTIME_DIR=$PWD/runtime QT_DEBUG_PLUGINS=1
+"$tree/bin/tessaly" 2>said &
+window=$!
+# until_true COMPLAINT COMMAND…
+until_true() {
+    local complaint=$1 ends=$((SECONDS + 120))
+    shift
+    until "$@" >/dev/null 2>&1; do
+        kill -0 "$window" 2>/dev/null || { cat said; fail "the window has gone"; }
+        [ "$SECONDS" -lt "$ends" ] || fail "$complaint"
+        sleep 0.5
+    done
+}
+has_keyboard() { [ "$(xdotool getwindowfocus getwindowname)" = "$1" ]; }
+until_true "no window with the keyboard" has_keyboard "Tessaly"
+xdotool key ctrl+o
+until_true "no panel" has_keyboard "Open Video"
+xdotool type --delay 30 -- "$PWD/films/clip.mp4"
+xdotool key Return
+until_true "the clip is not opened" has_keyboard "clip.mp4 — Tessaly"
+half() { # the height field takes the half, and the panel comes; until then the controls are not enabled
+    xdotool key ctrl+s
+    sleep 1
+    has_keyboard "Save Resized Video"
+}
+until_true "no panel to save in" half
+xdotool type --delay 30 -- "$PWD/films/window.mp4"
+xdotool key Return
+until_true "the window wrote nothing" test -s films/window.mp4
+written() { [ "$(size_of films/window.mp4)" = 640,360 ]; }
+until_true "what the window wrote is no video" written
+kill -TERM "$window"
+wait "$window" || fail "the window ends with $?"
+! grep -i 'cannot load library\|could not load' said || fail "a plugin could not be loaded"

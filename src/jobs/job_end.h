@@ -1,7 +1,7 @@
 // How a job came out, and how that is told to a person.
 #pragma once
 
-#include "jobs/failure_reason.h"
+#include "jobs/known_failure.h"
 #include "jobs/output_guard.h"
 #include "platform/child_process.h"
 #include "probe/file_probe.h"

@@ -1,6 +1,7 @@
 // A prober and a converter that misbehave: what is said, and that the window lives on.
 #include "app/app_harness.h"
 #include "platform/printing.h"
+#include "support/memory.h"
 #include "support/seen.h"
 #include "support/test_case.h"
 
@@ -8,7 +9,6 @@
 #include <QTimer>
 
 #include <sys/stat.h>
-#include <unistd.h>
 
 using namespace tessaly;
 using namespace tessaly::test;
@@ -27,13 +27,6 @@ constexpr qint64 allowedGrowth = 600; // megabytes
 #else
 constexpr qint64 allowedGrowth = 48;
 #endif
-
-qint64 residentMegabytes()
-{
-    QFile file(u"/proc/self/statm"_s);
-    if (!file.open(QIODevice::ReadOnly)) return -1;
-    return file.readAll().split(' ').value(1).toLongLong() * ::sysconf(_SC_PAGESIZE) / 1'000'000;
-}
 
 // How the event loop fares meanwhile: its turns, its longest pause, and the most memory.
 class Pulse

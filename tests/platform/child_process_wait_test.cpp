@@ -1,6 +1,7 @@
 #include "platform/child_process.h"
 #include "platform/waiting_modes.h"
 #include "support/fake_tools.h"
+#include "support/memory.h"
 #include "support/test_case.h"
 
 #include <QCoreApplication>
@@ -30,13 +31,6 @@ constexpr qint64 allowedGrowth = 600;       // megabytes
 constexpr qint64 floodSize = 250'000'000;
 constexpr qint64 allowedGrowth = 32;
 #endif
-
-qint64 residentMegabytes()
-{
-    QFile file(u"/proc/self/statm"_s);
-    if (!file.open(QIODevice::ReadOnly)) return -1;
-    return file.readAll().split(' ').value(1).toLongLong() * ::sysconf(_SC_PAGESIZE) / 1'000'000;
-}
 
 void killAll(const FakeTools &tools)
 {

@@ -29,7 +29,7 @@ const auto noDecoder = u"ffmpeg has no decoder for this video."_s;
 const auto noSoundDecoder = u"ffmpeg has no decoder for the sound of this video."_s;
 const auto noMemory = u"There is not enough memory for a video of this size."_s;
 
-class TestFailureReason : public test::TestCase
+class TestKnownFailure : public test::TestCase
 {
     Q_OBJECT
 
@@ -52,7 +52,7 @@ private Q_SLOTS:
 };
 
 // Texts of real converters that failed so.
-void TestFailureReason::saysWhyInPlainWords_data()
+void TestKnownFailure::saysWhyInPlainWords_data()
 {
     QTest::addColumn<QByteArray>("text");
     QTest::addColumn<ResizeTarget>("target");
@@ -134,7 +134,7 @@ void TestFailureReason::saysWhyInPlainWords_data()
             u"ffmpeg said: Could not write header (incorrect codec parameters ?): Invalid argument"_s);
 }
 
-void TestFailureReason::saysWhyInPlainWords()
+void TestKnownFailure::saysWhyInPlainWords()
 {
     QFETCH(QByteArray, text);
     QFETCH(ResizeTarget, target);
@@ -148,7 +148,7 @@ void TestFailureReason::saysWhyInPlainWords()
 }
 
 // Lines that are hard to provoke.
-void TestFailureReason::readsOtherWords_data()
+void TestKnownFailure::readsOtherWords_data()
 {
     QTest::addColumn<QByteArray>("text");
     QTest::addColumn<QString>("sentence");
@@ -250,14 +250,14 @@ void TestFailureReason::readsOtherWords_data()
         u"ffmpeg ended with error 1 and said nothing."_s);
 }
 
-void TestFailureReason::readsOtherWords()
+void TestKnownFailure::readsOtherWords()
 {
     QFETCH(QByteArray, text);
     QTEST(failureOfJob(endedWith(1, text), FileProbe()).value().sentence, "sentence");
 }
 
 // Names and titles that sound like errors.
-void TestFailureReason::isNotMisledByNames_data()
+void TestKnownFailure::isNotMisledByNames_data()
 {
     QTest::addColumn<QString>("name");
     QTest::newRow("disk full") << u"No space left on device"_s;
@@ -270,7 +270,7 @@ void TestFailureReason::isNotMisledByNames_data()
     QTest::newRow("memory") << u"Cannot allocate memory"_s;
 }
 
-void TestFailureReason::isNotMisledByNames()
+void TestKnownFailure::isNotMisledByNames()
 {
     QFETCH(QString, name);
     const QString text = u"Input #0, mov,mp4,m4a,3gp,3g2,mj2, from '/videos/%1':\n"
@@ -285,7 +285,7 @@ void TestFailureReason::isNotMisledByNames()
              u"ffmpeg said: Error opening output /videos/saved/%1: Something else"_s.arg(name));
 }
 
-void TestFailureReason::suggestsAnEvenSize_data()
+void TestKnownFailure::suggestsAnEvenSize_data()
 {
     QTest::addColumn<qint64>("width");
     QTest::addColumn<qint64>("height");
@@ -297,7 +297,7 @@ void TestFailureReason::suggestsAnEvenSize_data()
 }
 
 // Both wrong: an even size alone would not help.
-void TestFailureReason::saysThatAnOddSizeIsTooLarge()
+void TestKnownFailure::saysThatAnOddSizeIsTooLarge()
 {
     EndedJob end =
         endedWith(1, "[libx264 @ 0x55d0c3c0] [IMGUTILS @ 0x7ffc0] Picture size 20001x20001 is invalid\n"
@@ -308,7 +308,7 @@ void TestFailureReason::saysThatAnOddSizeIsTooLarge()
 }
 
 // An encoder that does not say what it dislikes, in the words of two generations.
-void TestFailureReason::suggestsAnEvenSize()
+void TestKnownFailure::suggestsAnEvenSize()
 {
     QFETCH(qint64, width);
     QFETCH(qint64, height);
@@ -326,7 +326,7 @@ void TestFailureReason::suggestsAnEvenSize()
     }
 }
 
-void TestFailureReason::blamesAnOddSizeOnlyWhenTheEncoderGaveUp()
+void TestKnownFailure::blamesAnOddSizeOnlyWhenTheEncoderGaveUp()
 {
     EndedJob end = endedWith(1, "The moon is in the way\n");
     end.target.width = 321;
@@ -334,7 +334,7 @@ void TestFailureReason::blamesAnOddSizeOnlyWhenTheEncoderGaveUp()
 }
 
 // To the converter they mean other things than a size.
-void TestFailureReason::leavesNegativeSidesToTheConverter()
+void TestKnownFailure::leavesNegativeSidesToTheConverter()
 {
     EndedJob end = endedWith(1, "Error while opening encoder for output stream #0:0\n");
     end.target.width = -3;
@@ -342,7 +342,7 @@ void TestFailureReason::leavesNegativeSidesToTheConverter()
              u"ffmpeg said: Error while opening encoder for output stream #0:0"_s);
 }
 
-void TestFailureReason::knowsATargetWithALineBreak()
+void TestKnownFailure::knowsATargetWithALineBreak()
 {
     EndedJob end = endedWith(1, "/videos/new\rline\nbreak.mp4: Permission denied\n");
     end.target.path = u"/videos/new\rline\nbreak.mp4"_s;
@@ -350,7 +350,7 @@ void TestFailureReason::knowsATargetWithALineBreak()
 }
 
 // What encrypts the video stands before 200 KB of lines about its pictures.
-void TestFailureReason::readsTheHeadOfALongText()
+void TestKnownFailure::readsTheHeadOfALongText()
 {
     const QByteArray start = test::capturedText("5.1-encrypted");
     const QByteArray pictures = QByteArray("[h264 @ 0x55d0c3c0] decode_slice_header error\n"
@@ -363,7 +363,7 @@ void TestFailureReason::readsTheHeadOfALongText()
     QCOMPARE(failureOfJob(endedWith(69, text.text()), FileProbe()).value().sentence, encrypted);
 }
 
-void TestFailureReason::saysWhatASignalMeans_data()
+void TestKnownFailure::saysWhatASignalMeans_data()
 {
     QTest::addColumn<int>("signal");
     QTest::addColumn<QString>("sentence");
@@ -380,7 +380,7 @@ void TestFailureReason::saysWhatASignalMeans_data()
     QTest::newRow("another") << SIGUSR1 << u"ffmpeg was ended by signal %1."_s.arg(SIGUSR1);
 }
 
-void TestFailureReason::saysWhatASignalMeans()
+void TestKnownFailure::saysWhatASignalMeans()
 {
     QFETCH(int, signal);
     QTEST(signalSentence(signal), "sentence");
@@ -388,5 +388,5 @@ void TestFailureReason::saysWhatASignalMeans()
 
 } // namespace
 
-TESSALY_TEST_MAIN(TestFailureReason)
-#include "failure_reason_test.moc"
+TESSALY_TEST_MAIN(TestKnownFailure)
+#include "known_failure_test.moc"

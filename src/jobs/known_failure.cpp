@@ -1,4 +1,4 @@
-#include "jobs/failure_reason.h"
+#include "jobs/known_failure.h"
 
 #include "jobs/converter_text.h"
 #include "jobs/frame_size.h"

@@ -1,8 +1,11 @@
 #include "app/start_up.h"
 
 #include <QApplication>
+#include <QDir>
+#include <QProcessEnvironment>
 #include <QSettings>
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <string_view>
@@ -22,14 +25,29 @@ constexpr const char *usage = "Usage: tessaly\n"
                               "\n"
                               "Without a screen, and in scripts: tessaly-cli --help\n";
 
-constexpr const char *noScreen =
-    "tessaly: there is no screen to open a window on; tessaly-cli does the same on the command line.\n";
+constexpr const char *elsewhere = "tessaly-cli does the same on the command line.\n";
 
-// Without a screen Qt prints a stack of messages about its plugins and then gives up with a fatal one.
-void sayOnceThatThereIsNoScreen(QtMsgType type, const QMessageLogContext &, const QString &)
+// Where Qt looks for the plugins that open windows.
+QStringList platformPluginFolders()
+{
+    QStringList folders = QCoreApplication::libraryPaths();
+    for (QString &folder : folders)
+        folder += u"/platforms"_s;
+    return folders << qEnvironmentVariable("QT_QPA_PLATFORM_PLUGIN_PATH");
+}
+
+bool holdsWaylandPlugin(const QString &folder)
+{
+    return !folder.isEmpty() && !QDir(folder).entryList({u"libqwayland*.so"_s}, QDir::Files).isEmpty();
+}
+
+// When there is no window to open Qt prints a stack of messages about its plugins and then gives up with a
+// fatal one.
+void sayOnceWhyThereIsNoWindow(QtMsgType type, const QMessageLogContext &, const QString &)
 {
     if (type != QtFatalMsg) return;
-    std::fputs(noScreen, stderr);
+    const QString why = whyNoWindow(QProcessEnvironment::systemEnvironment(), platformPluginFolders());
+    std::fputs(qUtf8Printable(why), stderr);
     std::_Exit(EXIT_FAILURE);
 }
 
@@ -69,10 +87,22 @@ std::optional<int> answerCommandLine(int argc, char *argv[])
     return std::nullopt;
 }
 
+QString whyNoWindow(const QProcessEnvironment &environment, const QStringList &pluginFolders)
+{
+    const auto names = [&](const QString &screen) { return !environment.value(screen).isEmpty(); };
+    const bool isWaylandAlone = names(u"WAYLAND_DISPLAY"_s) && !names(u"DISPLAY"_s);
+    const bool hasPlugin = std::any_of(pluginFolders.begin(), pluginFolders.end(), holdsWaylandPlugin);
+    const QString reason =
+        isWaylandAlone && !hasPlugin
+            ? u"qt6-wayland is missing, the package with which Qt opens windows on Wayland"_s
+            : u"there is no screen to open a window on"_s;
+    return u"tessaly: "_s + reason + u"; "_s + QLatin1StringView(elsewhere);
+}
+
 std::unique_ptr<QApplication> startApplication(int &argc, char *argv[])
 {
     keepNothingOfPanels();
-    const QtMessageHandler usual = qInstallMessageHandler(sayOnceThatThereIsNoScreen);
+    const QtMessageHandler usual = qInstallMessageHandler(sayOnceWhyThereIsNoWindow);
     auto application = std::make_unique<QApplication>(argc, argv);
     qInstallMessageHandler(usual);
     describe(*application);

@@ -1,10 +1,14 @@
 // What happens before there is a window.
 #pragma once
 
+#include <QString>
+#include <QStringList>
+
 #include <memory>
 #include <optional>
 
 class QApplication;
+class QProcessEnvironment;
 
 namespace tessaly {
 
@@ -12,8 +16,12 @@ namespace tessaly {
 // window). The exit status when the program is to end with that.
 std::optional<int> answerCommandLine(int argc, char *argv[]);
 
-// The application object, named. Without a screen this says so in one sentence and ends the program with
-// status 1. argc must live as long as the object.
+// The application object, named. Where no window can be opened this says why in one sentence and ends the
+// program with status 1. argc must live as long as the object.
 std::unique_ptr<QApplication> startApplication(int &argc, char *argv[]);
+
+// That sentence: there is no screen, or there is one of Wayland's, but none of the folders holds Qt's plugin
+// for it.
+QString whyNoWindow(const QProcessEnvironment &environment, const QStringList &pluginFolders);
 
 } // namespace tessaly

@@ -36,6 +36,15 @@ const QRegularExpression &sayingNothing()
     return pattern;
 }
 
+// What it says of itself before all else: its version, how it was built, its libraries.
+const QRegularExpression &banner()
+{
+    static const QRegularExpression pattern(
+        u"^(ffmpeg version |  built with |  configuration: |  WARNING: library configuration mismatch|"
+        "  \\w+ +configuration: |  lib\\w+ +\\d+\\. *\\d+\\.\\d+ / )"_s);
+    return pattern;
+}
+
 bool says(const QString &line, const QRegularExpression &what)
 {
     return what.match(withoutSpeaker(line)).hasMatch();
@@ -122,9 +131,16 @@ QString withoutSpeaker(const QString &line)
     return QString(line).remove(speakers);
 }
 
+QStringList withoutBanner(const QStringList &lines)
+{
+    const auto first = std::find_if_not(lines.cbegin(), lines.cend(),
+                                        [](const QString &line) { return banner().match(line).hasMatch(); });
+    return {first, lines.cend()};
+}
+
 QString lastConverterLines(const QStringList &lines)
 {
-    QStringList shown = lines;
+    QStringList shown = withoutBanner(lines);
     shown.removeIf([](const QString &line) { return says(line, progressOrStatistics()); });
     shown = shown.last(qMin(linesToShow, shown.size()));
     for (QString &line : shown) {

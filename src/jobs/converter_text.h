@@ -43,8 +43,11 @@ QStringList converterLines(const QByteArray &text);
 // The line without the part of the converter that speaks: "[libx264 @ 0x55…] too small" gives "too small".
 QString withoutSpeaker(const QString &line);
 
-// The last lines, joined by line feeds, without progress and encoding statistics: those would push out the
-// errors.
+// Without the lines at their head in which the converter tells of itself.
+QStringList withoutBanner(const QStringList &lines);
+
+// The last lines, joined by line feeds, without that head, progress and encoding statistics: those would push
+// out the errors.
 QString lastConverterLines(const QStringList &lines);
 
 // The last line that says something about what went wrong, without its speaker; empty when none does.

@@ -6,6 +6,7 @@
 #include <malloc.h>
 
 using namespace tessaly;
+using namespace Qt::StringLiterals;
 
 namespace {
 
@@ -41,6 +42,8 @@ private Q_SLOTS:
     void countsInLines();
     void staysSmall_data();
     void staysSmall();
+    void leavesOutTheBanner_data();
+    void leavesOutTheBanner();
 };
 
 void TestConverterText::keepsAllOfALittle_data()
@@ -154,6 +157,47 @@ void TestConverterText::staysSmall()
     QVERIFY(memoryInUse() - before < 2 << 20);
     QCOMPARE(gathered.readingErrors(), pieces * errorsOfPiece);
     QVERIFY(gathered.text().size() <= 2 * kept + 1);
+}
+
+void TestConverterText::leavesOutTheBanner_data()
+{
+    QTest::addColumn<QByteArray>("text");
+    QTest::addColumn<QString>("first"); // line of what stays
+    QTest::addColumn<qsizetype>("removed");
+    const auto real = [](const char *name, const char *first, qsizetype removed) {
+        QTest::newRow(name) << test::capturedText(name) << QString::fromUtf8(first) << removed;
+    };
+    const char *input = "Input #0, mov,mp4,m4a,3gp,3g2,mj2, from '/videos/long.mp4':";
+    real("4.1-disk_full", input, 11);
+    real("5.1-disk_full", input, 11);
+    real("7.1-disk_full", input, 10);
+    real("7.1.5-disk_full", input, 11);
+    real("9.0-disk_full", input, 10);
+    const QByteArray version("ffmpeg version 5.1 Copyright (c) 2000-2026 the FFmpeg developers\n");
+    QTest::newRow("libraries of another build")
+        << version + "  configuration: --enable-gpl\n  WARNING: library configuration mismatch\n"
+                     "  avcodec     configuration: --enable-gpl --enable-version3\n"
+                     "  libavutil      57. 28.100 / 57. 28.100\nclip.mp4: No such file or directory\n"
+        << u"clip.mp4: No such file or directory"_s << qsizetype(5);
+    QTest::newRow("like one, but of the video")
+        << version + "Input #0, matroska,webm, from 'a.mkv':\n  configuration: a title\n"
+        << u"Input #0, matroska,webm, from 'a.mkv':"_s << qsizetype(1);
+    QTest::newRow("nothing else") << version << QString() << qsizetype(1);
+    QTest::newRow("no banner") << QByteArray("Conversion failed!\n") << u"Conversion failed!"_s
+                               << qsizetype(0);
+}
+
+void TestConverterText::leavesOutTheBanner()
+{
+    QFETCH(QByteArray, text);
+    QFETCH(qsizetype, removed);
+    const QStringList lines = converterLines(text);
+    QVERIFY(!lines.isEmpty());
+    const QStringList left = withoutBanner(lines);
+    QTEST(left.value(0), "first");
+    QCOMPARE(left, lines.mid(removed));
+    for (const char *word : {"ffmpeg version", "built with", "libavutil "})
+        QVERIFY2(!lastConverterLines(lines).contains(QLatin1StringView(word)), word);
 }
 
 } // namespace

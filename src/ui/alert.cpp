@@ -4,13 +4,17 @@
 #include "ui/sheet_shield.h"
 
 #include <QAbstractButton>
+#include <QBoxLayout>
+#include <QClipboard>
 #include <QCoreApplication>
+#include <QFontDatabase>
 #include <QGuiApplication>
 #include <QLabel>
 #include <QMessageBox>
 #include <QPushButton>
 #include <QStyle>
 #include <QTextBoundaryFinder>
+#include <QTextEdit>
 
 #include <algorithm>
 
@@ -22,6 +26,7 @@ namespace {
 
 constexpr int longestUnbrokenWord = 24; // characters as a person counts them
 constexpr int breakEvery = 12;
+constexpr QChar breakOpportunity(0x200b);
 
 QString withBreaks(const QString &word)
 {
@@ -30,7 +35,7 @@ QString withBreaks(const QString &word)
     int count = 0;
     for (qsizetype from = 0; from < word.size(); ++count) {
         const qsizetype to = characters.toNextBoundary();
-        if (count > 0 && count % breakEvery == 0) result += QChar(0x200B);
+        if (count > 0 && count % breakEvery == 0) result += breakOpportunity;
         result += word.sliced(from, to - from);
         from = to;
     }
@@ -107,14 +112,38 @@ void setTexts(QMessageBox *box, const Alert &alert)
     const QList<QLabel *> labels = box->findChildren<QLabel *>();
     for (QLabel *label : labels) {
         label->setTextFormat(Qt::PlainText);
+        if (label->text().contains(breakOpportunity))
+            label->setAccessibleName(label->text().remove(breakOpportunity));
         if (label->text() != message) continue;
         QFont bold = label->font();
         bold.setBold(true);
         label->setFont(bold);
     }
-    box->setDetailedText(alert.detailsText);
+    // No description: a screen reader that comes to a sheet reads its labels, too.
     box->setAccessibleName(alert.messageText);
-    box->setAccessibleDescription(alert.informativeText);
+}
+
+// Below the details, and seen only with them. A button in the row of answers would close the box.
+void addCopyButton(QWidget *detailsPart, const QString &details)
+{
+    auto *copy = new QPushButton(QCoreApplication::translate("Alert", "&Copy"), detailsPart);
+    copy->setObjectName(u"alertCopy"_s);
+    copy->setAutoDefault(false); // Return stays the answer's
+    QObject::connect(copy, &QPushButton::clicked, copy,
+                     [details] { QGuiApplication::clipboard()->setText(details); });
+    auto *column = qobject_cast<QBoxLayout *>(detailsPart->layout());
+    column->addWidget(copy, 0, Qt::AlignTrailing);
+}
+
+// They are lines of a program, of which the last ones tell what went wrong.
+void setDetails(QMessageBox *box, const QString &details)
+{
+    box->setDetailedText(details);
+    auto *view = box->findChild<QTextEdit *>();
+    if (!view) return; // there are none
+    view->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
+    view->moveCursor(QTextCursor::End); // is what shows when it opens
+    addCopyButton(view->parentWidget(), details);
 }
 
 int responseOf(const QMessageBox *box)
@@ -147,6 +176,7 @@ void Alert::beginSheet(QWidget *window, std::function<void(int response)> comple
     box->setWindowTitle(QGuiApplication::applicationDisplayName());
     setIcon(box, style);
     setTexts(box, *this);
+    setDetails(box, detailsText);
     addButtons(box, titlesOf(*this));
 
     QObject *context = parent ? static_cast<QObject *>(parent) : QCoreApplication::instance();

@@ -24,7 +24,9 @@ struct Alert
 
     QString messageText;
     QString informativeText;
-    QString detailsText; // shown after a click on "Show Details..."; no such button when empty
+    // Shown from its end after a click on "Show Details...", with a button that copies it; no such button
+    // when empty.
+    QString detailsText;
     Style style = Style::warning;
 
     // The first button is the one that Return answers. Without any there is one "OK".
@@ -37,7 +39,7 @@ struct Alert
     //
     // The sheet belongs to the window of `window`, which takes drags meanwhile, also those onto the sheet,
     // but no other input; a sheet begun while another one is up lies over it. Its object name is "alert",
-    // those of its buttons "alertButton1000", "alertButton1001", …
+    // those of its buttons "alertButton1000", "alertButton1001", …, that of Copy "alertCopy".
     void beginSheet(QWidget *window, std::function<void(int response)> completion = {}) const;
 
     QStringList buttonTitles;

@@ -1,9 +1,33 @@
 #include "ui/alert_fixture.h"
 
+#include <QAccessible>
+#include <QClipboard>
+#include <QFontDatabase>
+#include <QScrollBar>
+
 namespace tessaly {
 
 using namespace tessaly::test;
 using namespace Qt::StringLiterals;
+
+namespace {
+
+// Of an alert with one answer.
+QAbstractButton *detailsButton(const QMessageBox *box)
+{
+    const QList<QAbstractButton *> buttons = box->buttons();
+    return buttons.at(0) == buttonOf(box, 1000) ? buttons.at(1) : buttons.at(0);
+}
+
+Alert alertWithLines(const Stage &stage, int count)
+{
+    Alert alert = stage.alert({u"OK"_s});
+    for (int i = 0; i < count; ++i)
+        alert.detailsText += u"line %1 <b>&amp;</b>\n"_s.arg(i);
+    return alert;
+}
+
+} // namespace
 
 class AlertLookTest : public TestCase
 {
@@ -15,6 +39,8 @@ private Q_SLOTS:
     void showsAmpersandsInButtons();
     void letsTheDesktopPlaceTheButtons();
     void showsDetailsWhenAsked();
+    void showsTheEndOfTheDetailsFirst();
+    void copiesTheDetails();
     void hasNoDetailsButtonWithoutDetails();
     void tellsItsNameToAccessibility();
     void showsAnIcon_data();
@@ -83,14 +109,48 @@ void AlertLookTest::showsDetailsWhenAsked()
     QVERIFY(QTest::qWaitForWindowActive(box, waitLimit));
     const auto *details = box->findChild<QTextEdit *>();
     QVERIFY(!details->isVisible());
-    const QList<QAbstractButton *> buttons = box->buttons();
-    QCOMPARE(buttons.size(), 2);
-    QAbstractButton *show = buttons.at(0) == buttonOf(box, 1000) ? buttons.at(1) : buttons.at(0);
+    QCOMPARE(box->buttons().size(), 2);
+    QAbstractButton *show = detailsButton(box);
     QCOMPARE(show->text(), u"Show Details..."_s);
     show->click();
     QVERIFY(details->isVisible());
     QVERIFY(box->isVisible());
     press(box, Qt::Key_Escape);
+    QTRY_COMPARE(stage.responses, QList<int>{1000});
+}
+
+void AlertLookTest::showsTheEndOfTheDetailsFirst()
+{
+    Stage stage;
+    stage.begin(alertWithLines(stage, 40));
+    QMessageBox *box = stage.box();
+    QVERIFY(QTest::qWaitForWindowActive(box, waitLimit));
+    const auto *view = box->findChild<QTextEdit *>();
+    QCOMPARE(view->font().family(), QFontDatabase::systemFont(QFontDatabase::FixedFont).family());
+    QVERIFY(view->font().family() != box->font().family());
+    detailsButton(box)->click();
+    QTRY_VERIFY(view->verticalScrollBar()->maximum() > 0);
+    QVERIFY(view->textCursor().atEnd());
+    QTRY_VERIFY(view->viewport()->rect().contains(view->cursorRect()));
+}
+
+void AlertLookTest::copiesTheDetails()
+{
+    Stage stage;
+    const Alert alert = alertWithLines(stage, 40);
+    stage.begin(alert);
+    QMessageBox *box = stage.box();
+    QVERIFY(QTest::qWaitForWindowActive(box, waitLimit));
+    auto *copy = box->findChild<QPushButton *>(u"alertCopy"_s);
+    QVERIFY(copy && !copy->isVisible());
+    detailsButton(box)->click();
+    QTRY_VERIFY(copy->isVisible());
+    QGuiApplication::clipboard()->setText(u"before"_s);
+    const QPoint middle = copy->mapTo(box, copy->rect().center());
+    QTest::mouseClick(box->windowHandle(), Qt::LeftButton, {}, middle);
+    QCOMPARE(QGuiApplication::clipboard()->text(), alert.detailsText);
+    QVERIFY(box->isVisible());
+    press(box, Qt::Key_Return);
     QTRY_COMPARE(stage.responses, QList<int>{1000});
 }
 
@@ -107,7 +167,15 @@ void AlertLookTest::tellsItsNameToAccessibility()
     stage.begin(stage.alert());
     QCOMPARE(stage.box()->windowTitle(), QGuiApplication::applicationDisplayName());
     QCOMPARE(stage.box()->accessibleName(), u"Message"_s);
-    QCOMPARE(stage.box()->accessibleDescription(), u"Information"_s);
+    // What the labels say would be heard twice, and breaks within words are no part of a name.
+    QCOMPARE(QAccessible::queryAccessibleInterface(stage.box())->text(QAccessible::Description), QString());
+    const QString longWord = u"n"_s.repeated(60);
+    Alert alert = stage.alert();
+    alert.informativeText = longWord;
+    stage.begin(alert);
+    const QLabel *label = labelOf(stage.box(), withBreaksInLongWords(longWord));
+    QVERIFY(label && label->text() != longWord);
+    QCOMPARE(label->accessibleName(), longWord);
 }
 
 void AlertLookTest::showsAnIcon_data()

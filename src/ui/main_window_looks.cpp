@@ -1,5 +1,6 @@
 // How the parts of the window look: what no form can say.
 #include "ui/main_window.h"
+#include "ui/percent_text.h"
 #include "ui/symbol_icon.h"
 #include "ui_main_window.h"
 
@@ -15,9 +16,8 @@ namespace {
 
 // The poster's ground is dark in every colour scheme.
 constexpr QColor hintColour(0xc3, 0xc9, 0xd6);
-constexpr int symbolSide = 56;      // pixels at 100 % screen scale
-constexpr qreal hintSize = 1.25;    // of the normal type
-constexpr double mostTenths = 1000; // from here on a percentage has no fraction
+constexpr int symbolSide = 56;   // pixels at 100 % screen scale
+constexpr qreal hintSize = 1.25; // of the normal type
 
 int widthOf(const QWidget *widget, const QString &text)
 {
@@ -38,7 +38,7 @@ void levelOut(std::initializer_list<const QWidget *> controls, std::initializer_
 
 void MainWindow::styleHint()
 {
-    QPalette palette = m_form->dropHintLBL->palette();
+    QPalette palette; // holds no other colour, so that the rest follows the theme
     palette.setColor(QPalette::WindowText, hintColour);
     m_form->dropHintLBL->setPalette(palette);
     for (QLabel *label : {m_form->dropHintLBL, m_form->emptySymbolLBL})
@@ -72,7 +72,8 @@ void MainWindow::sizeFields()
 void MainWindow::alignLabels()
 {
     const auto side = isRightToLeft() ? Qt::AlignRight : Qt::AlignLeft;
-    m_form->inputLBL->setAlignment(Qt::AlignAbsolute | side | Qt::AlignVCenter);
+    for (QLabel *label : {m_form->inputLBL, m_form->sliderTitleLBL})
+        label->setAlignment(Qt::AlignAbsolute | side | Qt::AlignVCenter);
 }
 
 // What describes a control is greyed with it.
@@ -90,8 +91,7 @@ void MainWindow::greyCaptions()
 
 void MainWindow::showPercent(double percent)
 {
-    const int decimals = std::abs(percent) < mostTenths ? 1 : 0;
-    m_form->percentLBL->setText(QString::number(percent, 'f', decimals) + u" %"_s);
+    m_form->percentLBL->setText(percentText(percent) + u" %"_s);
 }
 
 void MainWindow::showPosterText(PosterText text)

@@ -4,6 +4,7 @@
 #include "ui/file_panels.h"
 #include "ui/image_drop_view.h"
 #include "ui/main_window.h"
+#include "ui/mnemonics.h"
 #include "ui/number_field.h"
 #include "ui/progress_sheet.h"
 #include "ui/slider.h"
@@ -23,11 +24,12 @@
 
 using namespace Qt::StringLiterals;
 using namespace tessaly;
+using namespace tessaly::test;
 
 using Text = MainWindow::PosterText;
 Q_DECLARE_METATYPE(MainWindow::PosterText)
 
-class MainWindowTest : public tessaly::test::TestCase
+class MainWindowTest : public TestCase
 {
     Q_OBJECT
 
@@ -41,9 +43,11 @@ private Q_SLOTS:
     void hasRoomForTheSlider_data();
     void hasRoomForTheSlider();
     void theCaptionMovesNothing();
-    void tellsPercentagesBeyondTheSlider();
+    void tellsPercentages();
     void followsALargerType();
-    void alignsTheLabelInBothDirections();
+    void allBeginsOnOneEdge_data();
+    void allBeginsOnOneEdge();
+    void alignsTheLabelsInBothDirections();
     void remembersItsSize();
     void neverGrowsBeyondTheScreen();
 
@@ -55,54 +59,11 @@ private:
     }
 };
 
-namespace {
-
-// The mnemonics that answer while the window has the keyboard: those of its menus' titles, labels and
-// buttons.
-QStringList mnemonics(const QWidget &window)
-{
-    QStringList keys;
-    const auto add = [&](const QString &text) {
-        const QKeySequence key = QKeySequence::mnemonic(text);
-        if (!key.isEmpty()) keys << key.toString();
-    };
-    const auto belongs = [&](const QWidget *widget) { return widget->window() == &window; };
-    for (const auto *bar : window.findChildren<QMenuBar *>()) {
-        for (const QAction *action : bar->actions())
-            if (belongs(bar)) add(action->text());
-    }
-    for (const auto *label : window.findChildren<QLabel *>())
-        if (belongs(label) && label->buddy()) add(label->text());
-    for (const auto *button : window.findChildren<QAbstractButton *>())
-        if (belongs(button)) add(button->text());
-    return keys;
-}
-
-QStringList mnemonics(const QMenu &menu)
-{
-    QStringList keys;
-    for (const QAction *action : menu.actions()) {
-        const QKeySequence key = QKeySequence::mnemonic(action->text());
-        if (!key.isEmpty()) keys << key.toString();
-    }
-    return keys;
-}
-
-QStringList repeated(QStringList keys)
-{
-    const QSet<QString> once(keys.begin(), keys.end());
-    for (const QString &key : once)
-        keys.removeOne(key);
-    return keys;
-}
-
-} // namespace
-
 void MainWindowTest::noMnemonicStandsTwice()
 {
     MainWindow window;
     window.show();
-    QVERIFY(mnemonics(window).size() >= 7); // all states at once: what is hidden counts, too
+    QVERIFY(mnemonics(window).size() >= 7); // all states at once
     QCOMPARE(repeated(mnemonics(window)), QStringList());
     for (const auto *menu : window.findChildren<QMenu *>())
         QCOMPARE(repeated(mnemonics(*menu)), QStringList());
@@ -235,7 +196,7 @@ void MainWindowTest::theCaptionMovesNothing()
     QCOMPARE(places.at(2), places.at(0));
 }
 
-void MainWindowTest::tellsPercentagesBeyondTheSlider()
+void MainWindowTest::tellsPercentages()
 {
     MainWindow window;
     const auto *label = find<QLabel>(window, "percentLBL");
@@ -245,7 +206,11 @@ void MainWindowTest::tellsPercentagesBeyondTheSlider()
     window.showPercent(12345.6);
     QCOMPARE(label->text(), u"12346 %"_s);
     slider->setDoubleValue(50);
-    QCOMPARE(label->text(), u"50.0 %"_s);
+    QCOMPARE(label->text(), u"50 %"_s);
+    slider->setDoubleValue(33.3);
+    QCOMPARE(label->text(), u"33.3 %"_s);
+    slider->setDoubleValue(100);
+    QCOMPARE(label->text(), u"100 %"_s);
 }
 
 void MainWindowTest::followsALargerType()
@@ -262,13 +227,63 @@ void MainWindowTest::followsALargerType()
     QCOMPARE(hint->font().pointSizeF(), size * 2);
 }
 
-void MainWindowTest::alignsTheLabelInBothDirections()
+void MainWindowTest::allBeginsOnOneEdge_data()
+{
+    QTest::addColumn<Qt::LayoutDirection>("direction");
+    QTest::newRow("from the left") << Qt::LeftToRight;
+    QTest::newRow("from the right") << Qt::RightToLeft;
+}
+
+// The first column of the picture, counted from where lines begin, in which something else than the ground is
+// drawn.
+static int firstInk(const QImage &picture, Qt::LayoutDirection direction)
+{
+    const bool isFromRight = direction == Qt::RightToLeft;
+    const QImage image = isFromRight ? picture.mirrored(true, false) : picture;
+    const QRgb ground = image.pixel(0, image.height() / 2);
+    for (int x = 0; x < image.width(); ++x) {
+        for (int y = 2; y < image.height() - 2; ++y) // without the lines between the bars
+            if (image.pixel(x, y) != ground) return x;
+    }
+    return -1;
+}
+
+void MainWindowTest::allBeginsOnOneEdge()
+{
+    QFETCH(Qt::LayoutDirection, direction);
+    MainWindow window;
+    window.setLayoutDirection(direction);
+    window.showStatus(u"Hi"_s);
+    find<QLabel>(window, "inputLBL")->setText(u"Hi"_s);
+    find<QLabel>(window, "sliderTitleLBL")->setText(u"Hi"_s);
+    window.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&window));
+    const QImage all = window.grab().toImage();
+    const auto edgeOf = [&](const char *name) {
+        const auto *widget = find<QWidget>(window, name);
+        const int top = widget->mapTo(&window, QPoint()).y();
+        return firstInk(all.copy(0, top, all.width(), widget->height()), direction);
+    };
+    const int poster = edgeOf("posterView");
+    QCOMPARE(poster, 9);
+    // Letters have a blank of a pixel or two before them.
+    for (const char *name : {"inputLBL", "sliderTitleLBL", "statusBar"})
+        QVERIFY2(edgeOf(name) >= poster && edgeOf(name) <= poster + 2,
+                 qPrintable(u"%1: %2"_s.arg(QLatin1StringView(name)).arg(edgeOf(name))));
+}
+
+void MainWindowTest::alignsTheLabelsInBothDirections()
 {
     MainWindow window;
-    const auto *label = find<QLabel>(window, "inputLBL");
-    QCOMPARE(label->alignment() & Qt::AlignHorizontal_Mask, Qt::AlignAbsolute | Qt::AlignLeft);
+    const auto sides = [&window] {
+        QSet<int> found;
+        for (const char *name : {"inputLBL", "sliderTitleLBL"})
+            found << int(find<QLabel>(window, name)->alignment() & Qt::AlignHorizontal_Mask);
+        return found;
+    };
+    QCOMPARE(sides(), QSet<int>{int(Qt::AlignAbsolute | Qt::AlignLeft)});
     window.setLayoutDirection(Qt::RightToLeft);
-    QCOMPARE(label->alignment() & Qt::AlignHorizontal_Mask, Qt::AlignAbsolute | Qt::AlignRight);
+    QCOMPARE(sides(), QSet<int>{int(Qt::AlignAbsolute | Qt::AlignRight)});
 }
 
 void MainWindowTest::remembersItsSize()

@@ -55,6 +55,7 @@ void AppDelegate::resetInterface()
     heightTF->setIntegerValue(0);
     sliderTitleLBL->setText(u"Scale:"_s);
     currentFocussedTF = u"None"_s;
+    window->tellSize();
     posterPositionSliderTBI->setEnabled(false);
     posterPositionSlider->setEnabled(false);
     posterPositionSlider->setIntegerValue(6);

@@ -27,8 +27,8 @@ void AppDelegate::showCompletionReport(const FileProbe &outputProbe)
     const JobEnd end = globalProcess->end(outputProbe);
     if (const auto *done = std::get_if<JobDone>(&end)) showDone(*done);
     if (const auto *failed = std::get_if<JobFailed>(&end)) showFailure(*failed);
-    const auto *cancelled = std::get_if<JobCancelled>(&end);
-    if (cancelled && cancelled->leftover) window->showStatus(*cancelled->leftover);
+    if (const auto *cancelled = std::get_if<JobCancelled>(&end))
+        window->announce(cancelled->leftover.value_or(tr("Cancelled")));
 }
 
 void AppDelegate::showDone(const JobDone &done)

@@ -136,6 +136,7 @@ void AppDelegate::showInputResolution()
     sizeSLDR->setIntegerValue(100);
     widthTF->setIntegerValue(originalWidth);
     heightTF->setIntegerValue(originalHeight);
+    window->tellSize();
     saveBTN->setEnabled(true);
 
     updateSizeMenu(true);

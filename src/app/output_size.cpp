@@ -44,6 +44,7 @@ void AppDelegate::showPercent(double percent)
 {
     sizeSLDR->setDoubleValue(percent);
     window->showPercent(std::isfinite(percent) ? percent : sizeSLDR->doubleValue());
+    window->tellSize();
 }
 
 // A text such as "1,920" is read up to the comma; the person hears of it.
@@ -93,13 +94,14 @@ void AppDelegate::applyProportionalState()
         heightTF->commitEdit();
         sliderTitleLBL->setText(heightCaption);
         currentFocussedTF = u"HeightTF"_s;
+        window->tellSize();
         return;
     }
     sliderTitleLBL->setText(scaleCaption);
     currentFocussedTF = u"None"_s;
     setSide(*widthTF, scaledSide(originalWidth, sizeSLDR->doubleValue()));
     setSide(*heightTF, scaledSide(originalHeight, sizeSLDR->doubleValue()));
-    window->showPercent(sizeSLDR->doubleValue());
+    showPercent(sizeSLDR->doubleValue());
 }
 
 void AppDelegate::applySliderValue()
@@ -109,6 +111,7 @@ void AppDelegate::applySliderValue()
     const std::optional<qint64> height = scaledSide(originalHeight, sizeSLDR->doubleValue());
     if (caption == scaleCaption || caption == widthCaption) setSide(*widthTF, width);
     if (caption == scaleCaption || caption == heightCaption) setSide(*heightTF, height);
+    window->tellSize();
 }
 
 void AppDelegate::updateFromWidth()

@@ -5,6 +5,7 @@
 #include "ui/dropped_file.h"
 #include "ui/layer.h"
 
+#include <QAccessibleWidget>
 #include <QDropEvent>
 #include <QPainter>
 
@@ -42,10 +43,17 @@ bool offersCopy(const QDropEvent *event)
     return event->possibleActions().testFlag(Qt::CopyAction);
 }
 
+QAccessibleInterface *makeImageInterface(const QString & /*className*/, QObject *object)
+{
+    auto *view = qobject_cast<ImageDropView *>(object);
+    return view ? new QAccessibleWidget(view, QAccessible::Graphic) : nullptr;
+}
+
 } // namespace
 
 ImageDropView::ImageDropView(QWidget *parent) : QWidget(parent)
 {
+    QAccessible::installFactory(makeImageInterface); // taken once
     ViewLayer::wantedFor(this);
     setAcceptDrops(true);
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);

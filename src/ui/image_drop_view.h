@@ -14,7 +14,8 @@ class QMimeData;
 namespace tessaly {
 
 // Shows an image as large as it fits, enlarged when it is small, with its shape kept, in the middle, one
-// image pixel for one pixel of the screen where the sizes allow it. It has a layer from the start.
+// image pixel for one pixel of the screen where the sizes allow it. It has a layer from the start. To
+// assistive technology it is an image.
 //
 // A drag is welcome when it may be copied and its first local file exists and is not a folder. The source is
 // told that the file was copied: never that it was moved. An accepted drop posts

@@ -29,6 +29,7 @@ MainWindow::MainWindow(QWidget *parent) : QMainWindow(parent), m_form(std::make_
     alignLabels();
     followPercent();
     followControls();
+    followNames();
     applyFormStyling(this);
     new ProgressSheet(this);
     showPosterText(PosterText::howToOpen);
@@ -90,7 +91,6 @@ void MainWindow::addPosterSlider()
     slider->setMaximumWidth(320);
     slider->setMinimumWidth(120);
     slider->setToolTip(tr("Which still of the video is shown"));
-    slider->setAccessibleName(tr("Poster frame, 1 to 11"));
     m_posterTitle->setBuddy(slider);
 
     auto *layout = new QHBoxLayout(box);
@@ -138,12 +138,13 @@ void MainWindow::fitScreen()
 void MainWindow::showFileName(const QString &path)
 {
     setWindowFilePath(path);
+    QString name = QFileInfo(path).fileName();
+    namePoster(name);
     if (path.isEmpty()) {
         setWindowTitle(u"Tessaly"_s);
         return;
     }
     // "[*]" in a title stands for the mark of a changed document; doubled it stands for itself.
-    QString name = QFileInfo(path).fileName();
     name.replace("[*]"_L1, "[*][*]"_L1);
     setWindowTitle(name + u" — Tessaly"_s); // as Qt writes it under the other windows' titles
 }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <QMainWindow>
+#include <QTimer>
 
 #include <memory>
 
@@ -14,6 +15,7 @@ class MainWindowForm;
 }
 
 class ProgressSheet;
+class Slider;
 
 // Every control is a child whose object name is its outlet's name. Beside those of the form there are the
 // tool bar item "posterPositionSliderTBI" (an action) with its slider "posterPositionSlider", and the sheet
@@ -43,6 +45,13 @@ public:
     // A quiet fact in the status line, as plain text.
     void showStatus(const QString &text);
 
+    // The same, and a screen reader says it, where Qt can tell one (from 6.8 on).
+    void announce(const QString &text);
+
+    // To be called when the controls of the size show another one. The size slider is named after it, for
+    // screen readers, from the event loop: once for all calls until then.
+    void tellSize();
+
 protected:
     bool event(QEvent *event) override;
     void paintEvent(QPaintEvent *event) override;
@@ -59,10 +68,16 @@ private:
     void alignLabels();
     void greyCaptions();
     void fitScreen();
+    void followNames(); // main_window_names.cpp
+    void nameSizeSlider();
+    void namePosterSlider();
+    void namePoster(const QString &fileName);
 
     std::unique_ptr<Ui::MainWindowForm> m_form;
     QLabel *m_posterTitle = nullptr;
-    QWidget *m_posterSlider = nullptr;
+    Slider *m_posterSlider = nullptr;
+    double m_percent = 0; // as shown beside the slider
+    QTimer m_sizeTold;    // runs until that is done
     bool m_hasIcon = false;
 };
 

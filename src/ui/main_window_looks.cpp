@@ -91,6 +91,7 @@ void MainWindow::greyCaptions()
 
 void MainWindow::showPercent(double percent)
 {
+    m_percent = percent;
     m_form->percentLBL->setText(percentText(percent) + u" %"_s);
 }
 

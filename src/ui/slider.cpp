@@ -252,9 +252,11 @@ int Slider::pixelOf(int position) const
 
 void Slider::store(double value)
 {
+    const bool isNew = value != m_value;
+    const int before = QSlider::value();
     m_value = value;
-    setValue(positionOf(value));
-    // The position may stand still where the value does not.
+    setValue(positionOf(value)); // tells assistive technology, unless the position stands still
+    if (!isNew || QSlider::value() != before) return;
     QAccessibleValueChangeEvent event(this, value);
     QAccessible::updateAccessibility(&event);
 }

@@ -22,11 +22,16 @@ bool isCollection(Role role)
     return number == list || number == table || number == tree || number == treeTable;
 }
 
+bool isCalled(const Control &control, Role role, const QString &name)
+{
+    return name.isEmpty() || (role == Role::slider ? control.description() : control.name()) == name;
+}
+
 std::optional<Control> findIn(const Control &control, Role role, const QString &name)
 {
     if (!control.is(State::showing)) return std::nullopt;
     const Role ownRole = control.role();
-    if (ownRole == role && (name.isEmpty() || control.name() == name)) return control;
+    if (ownRole == role && isCalled(control, role, name)) return control;
     if (isCollection(ownRole)) return std::nullopt;
     const QList<Control> children = control.children();
     for (const Control &child : children) {
@@ -71,6 +76,11 @@ QVariant Control::property(const char *interface, const char *name) const
 QString Control::name() const
 {
     return property(accessible, "Name").toString();
+}
+
+QString Control::description() const
+{
+    return property(accessible, "Description").toString();
 }
 
 Role Control::role() const

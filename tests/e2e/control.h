@@ -17,10 +17,12 @@ enum class Role : uint {
     dialog = 16,
     filler = 20, // a plain widget
     frame = 23,
+    image = 27,
     label = 29,
     progressBar = 42,
     button = 43,
     slider = 51,
+    statusBar = 54,
     field = 61
 };
 enum class State : uint { checked = 4, enabled = 8, focused = 12, showing = 25 };
@@ -33,6 +35,7 @@ public:
     Control(QDBusConnection bus, QString service, QString path);
 
     QString name() const;
+    QString description() const;
     Role role() const;
     bool is(State state) const;
     QString text() const;  // what a field holds
@@ -51,6 +54,7 @@ private:
 
 // The first control on screen of that role and, unless it is empty, that name, in a program's windows: the
 // newest first, a sheet before what lies under it. Entries of lists and tables are not looked at.
+// A slider is named after its value; it is known by its description.
 std::optional<Control> findControl(const Control &root, Role role, const QString &name = {});
 
 // The controls below as lines of text, for a person who reads of a failed test.

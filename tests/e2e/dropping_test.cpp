@@ -147,7 +147,7 @@ void DroppingTest::takesNothingElse()
     QVERIFY(drag(source, tessaly, hint, u"nothing"_s));
     // The window answers to what comes next, and to nothing before. The press on the source took the
     // keyboard.
-    QVERIFY(tessaly.click(Role::filler, u"Poster frame"_s));
+    QVERIFY(tessaly.click(Role::image, u"Poster frame"_s));
     QVERIFY(tessaly.press({u"F1"_s}));
     QCOMPARE(waitForAlert(tessaly).value(0), u"Questions?"_s);
     const bool nothingOpen = tessaly.shows(Role::label, u"Input: 0 x 0"_s);
@@ -164,7 +164,7 @@ void DroppingTest::takesAFileEverywhereAndNeverMovesIt_data()
     QTest::addColumn<QString>("offer");
     QTest::addColumn<QString>("answer");
     const std::pair<const char *, Place> places[] = {
-        {"the poster", {Role::filler, u"Poster frame"_s}},
+        {"the poster", {Role::image, u"plain.mp4"_s}},
         {"the width field", {Role::field, u"Output width"_s}},
         {"the height field", {Role::field, u"Output height"_s}},
         {"the size slider", {Role::slider, u"Size in percent of the input"_s}},

@@ -7,14 +7,14 @@ _tessaly_cli()
     COMPREPLY=()
 
     case $command:$before in
-    resize:--scale | resize:--width | resize:--height) return ;;
+    resize:--scale | resize:--fit | resize:--width | resize:--height) return ;;
     esac
     case $command:$word in
     :*) mapfile -t COMPREPLY < <(compgen -W 'info resize --help --version' -- "$word") ;;
     info:-*) mapfile -t COMPREPLY < <(compgen -W '--json --verbose --help --version' -- "$word") ;;
     resize:-*)
         mapfile -t COMPREPLY < <(
-            compgen -W '-o --output --scale --width --height --force --quiet --verbose --help --version' -- "$word"
+            compgen -W '-o --output --scale --fit --width --height --force --quiet --verbose --help --version' -- "$word"
         )
         ;;
     info:* | resize:*)

@@ -3,6 +3,7 @@
 #include "platform/paths.h"
 
 #include <QCommandLineParser>
+#include <QRegularExpression>
 
 #include <cmath>
 
@@ -14,7 +15,7 @@ namespace {
 
 const QString usage =
     u"Usage: tessaly-cli info [--json] [--verbose] FILE...\n"
-    "       tessaly-cli resize INPUT -o OUTPUT [--scale PERCENT | --width W | --height H |\n"
+    "       tessaly-cli resize INPUT -o OUTPUT [--scale PERCENT | --fit WxH | --width W | --height H |\n"
     "                          --width W --height H] [--force] [--quiet] [--verbose]\n"
     "\n"
     "info shows what is known about video files: size in pixels, duration, tracks, tags.\n"
@@ -23,7 +24,8 @@ const QString usage =
     "\n"
     "  --json           one JSON object a file, each on one line\n"
     "  -o, --output F   the new file; .mp4 is added where it is missing\n"
-    "  --scale PERCENT  of the input's size; 100 when nothing else is said\n"
+    "  --scale PERCENT  of the input's size, as 50 or 50%; 100 when nothing else is said\n"
+    "  --fit WxH        the largest size within that many pixels, such as 1280x720; never enlarges\n"
     "  --width W        in pixels\n"
     "  --height H       in pixels\n"
     "  --force          replace a file that exists (never the input)\n"
@@ -82,16 +84,40 @@ std::optional<qint64> sideFrom(const QString &text)
     return isNumber && side >= 2 ? std::optional(side) : std::nullopt;
 }
 
+// "50" and "50%"; nothing when that is no percentage above 0.
+std::optional<double> percentFrom(QString text)
+{
+    if (text.endsWith(u'%')) text.chop(1);
+    bool isNumber = false;
+    const double percent = text.toDouble(&isNumber);
+    return isNumber && std::isfinite(percent) && percent > 0 ? std::optional(percent) : std::nullopt;
+}
+
+// "1280x720" and "1280×720"; nothing when that is no size.
+std::optional<FrameSize> boxFrom(const QString &text)
+{
+    static const QRegularExpression sign(u"[xX×]"_s);
+    const QStringList sides = text.split(sign);
+    if (sides.size() != 2) return std::nullopt;
+    const std::optional<qint64> width = sideFrom(sides[0]);
+    const std::optional<qint64> height = sideFrom(sides[1]);
+    return width && height ? std::optional(FrameSize{*width, *height}) : std::nullopt;
+}
+
 // Fills the wish; the answer is what is wrong with it, if anything.
 std::optional<QString> readSize(const QCommandLineParser &parser, SizeWish &size)
 {
     const bool hasSide = parser.isSet(u"width"_s) || parser.isSet(u"height"_s);
+    if (parser.isSet(u"fit"_s)) {
+        if (hasSide || parser.isSet(u"scale"_s)) return u"--fit does not go with another size."_s;
+        size.box = boxFrom(parser.value(u"fit"_s));
+        if (!size.box) return u"--fit takes two whole numbers of at least 2, such as 1280x720."_s;
+    }
     if (parser.isSet(u"scale"_s)) {
         if (hasSide) return u"--scale does not go with --width or --height."_s;
-        bool isNumber = false;
-        size.percent = parser.value(u"scale"_s).toDouble(&isNumber);
-        if (!isNumber || !std::isfinite(size.percent) || size.percent <= 0)
-            return u"--scale takes a number above 0."_s;
+        const std::optional<double> percent = percentFrom(parser.value(u"scale"_s));
+        if (!percent) return u"--scale takes a number above 0."_s;
+        size.percent = *percent;
     }
     for (const auto &[name, side] :
          {std::pair(u"width"_s, &size.width), std::pair(u"height"_s, &size.height)}) {
@@ -112,7 +138,7 @@ Command readResize(const QStringList &words)
     const QCommandLineOption help(QStringList{u"help"_s, u"h"_s});
     const QCommandLineOption version(u"version"_s);
     parser.addOptions({output, force, quiet, verbose, help, version});
-    for (const QString &name : {u"scale"_s, u"width"_s, u"height"_s})
+    for (const QString &name : {u"scale"_s, u"fit"_s, u"width"_s, u"height"_s})
         parser.addOption(QCommandLineOption(name, {}, u"N"_s));
     if (!parser.parse(words)) return WrongUsage{parser.errorText()};
     if (parser.isSet(help)) return ShowText{usage};

@@ -1,5 +1,6 @@
 #include "jobs/frame_size.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace tessaly {
@@ -55,8 +56,24 @@ double percentOf(double side, qint64 inputSide)
     return side / static_cast<double>(inputSide) * 100.0;
 }
 
+std::optional<FrameSize> sizeWithin(const FrameSize &box, const FrameSize &input)
+{
+    if (input.width <= 0 || input.height <= 0) return std::nullopt;
+    const auto width = static_cast<double>(input.width);
+    const auto height = static_cast<double>(input.height);
+    const auto widest = static_cast<double>(loweredToEven(std::min(box.width, input.width)));
+    const auto highest = static_cast<double>(loweredToEven(std::min(box.height, input.height)));
+    // The bounds are even, so that no rounding leaves them.
+    const double scale = std::min(widest / width, highest / height);
+    const std::optional<qint64> evenWidth = evenSize(width * scale);
+    const std::optional<qint64> evenHeight = evenSize(height * scale);
+    if (!evenWidth || !evenHeight) return std::nullopt;
+    return FrameSize{*evenWidth, *evenHeight};
+}
+
 std::optional<FrameSize> sizeForWish(const SizeWish &wish, const FrameSize &input)
 {
+    if (wish.box) return sizeWithin(*wish.box, input);
     const double ratio = static_cast<double>(input.width) / static_cast<double>(input.height);
     std::optional<qint64> width;
     std::optional<qint64> height;

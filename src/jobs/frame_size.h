@@ -1,5 +1,5 @@
-// The sizes that a person asks for: even sides, the side that follows the other, percent of the input. All
-// sides are pixels.
+// The sizes that a person asks for: even sides, the side that follows the other, percent of the input, the
+// most that a box holds. All sides are pixels.
 #pragma once
 
 #include <QString>
@@ -35,12 +35,17 @@ std::optional<qint64> widthFollowing(double height, double ratio);
 // What a side is in percent of the input's; not finite where that is 0.
 double percentOf(double side, qint64 inputSide);
 
-// A wish for a size. Neither side given: the scale counts.
+// The largest even size within the box in the input's proportions, as near as even sides come to them; never
+// larger than the input, an odd side of which is lowered. Nothing when the input is flat.
+std::optional<FrameSize> sizeWithin(const FrameSize &box, const FrameSize &input);
+
+// A wish for a size. A box counts before the sides; with neither, the scale counts.
 struct SizeWish
 {
     double percent = 100;         // of the input
     std::optional<qint64> width;  // pixels
     std::optional<qint64> height; // pixels
+    std::optional<FrameSize> box; // as for sizeWithin()
 };
 
 // A given side is lowered to even, one that follows is rounded to even; two given sides are independent.

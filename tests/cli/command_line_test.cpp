@@ -67,6 +67,11 @@ void CommandLineTest::resize_data()
     row("nothing more", {}, u"100 % - x -"_s);
     row("scale", {"--scale", "33.3"}, u"33.3 % - x -"_s);
     row("a large scale", {"--scale=1000000000"}, u"1e+09 % - x -"_s);
+    row("scale with its sign", {"--scale", "50%"}, u"50 % - x -"_s);
+    row("scale with a blank and its sign", {"--scale=33.3 %"}, u"33.3 % - x -"_s);
+    row("a box", {"--fit", "1280x720"}, u"100 % - x - within 1280 x 720"_s);
+    row("a box with the sign of multiplication", {"--fit=1280×720"}, u"100 % - x - within 1280 x 720"_s);
+    row("a box with a capital", {"--fit=1281X721"}, u"100 % - x - within 1281 x 721"_s);
     row("width", {"--width", "201"}, u"100 % 201 x -"_s);
     row("height", {"--height=2"}, u"100 % - x 2"_s);
     row("both", {"--height=100", "--width=9223372036854775807"}, u"100 % 9223372036854775807 x 100"_s);
@@ -84,6 +89,7 @@ void CommandLineTest::resize()
     const auto side = [](std::optional<qint64> length) { return length ? QString::number(*length) : u"-"_s; };
     QString read = u"%1 % %2 x %3"_s.arg(QString::number(resize->size.percent), side(resize->size.width),
                                          side(resize->size.height));
+    if (resize->size.box) read += u" within "_s + frameSizeText(*resize->size.box);
     if (resize->force) read += u" force"_s;
     if (resize->quiet) read += u" quiet"_s;
     if (resize->verbose) read += u" verbose"_s;
@@ -185,11 +191,20 @@ void CommandLineTest::wrongUsage_data()
     row("empty output", {"resize", "a", "-o", ""}, "resize needs an output: -o FILE.");
     row("scale and width", {"resize", "a", "-o", "b", "--scale=50", "--width=10"},
         "--scale does not go with --width or --height.");
+    row("a box and a side", {"resize", "a", "-o", "b", "--fit=10x10", "--height=10"},
+        "--fit does not go with another size.");
+    row("a box and a scale", {"resize", "a", "-o", "b", "--fit=10x10", "--scale=10"},
+        "--fit does not go with another size.");
     row("unknown option of resize", {"resize", "a", "-o", "b", "--fast"}, "Unknown option 'fast'.");
-    for (const char *scale : {"0", "-5", "half", "inf", "nan", ""}) {
+    for (const char *scale : {"0", "-5", "half", "inf", "nan", "", "%", "0%", "50%%", "5%0"}) {
         QTest::addRow("scale %s", scale)
             << QByteArrayList{"resize", "a", "-o", "b", QByteArray("--scale=") + scale}
             << u"--scale takes a number above 0."_s;
+    }
+    for (const char *box :
+         {"", "1280", "1280x", "x720", "1280x720x2", "1280*720", "1x720", "1280x1", "-2x-2"}) {
+        QTest::addRow("fit %s", box) << QByteArrayList{"resize", "a", "-o", "b", QByteArray("--fit=") + box}
+                                     << u"--fit takes two whole numbers of at least 2, such as 1280x720."_s;
     }
     for (const char *side : {"0", "1", "-2", "1.5", "1,920", "wide", "99999999999999999999", ""}) {
         QTest::addRow("height %s", side)

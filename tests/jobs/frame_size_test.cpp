@@ -25,6 +25,9 @@ private Q_SLOTS:
     void lowersToEven();
     void fulfilsAWish_data();
     void fulfilsAWish();
+    void fitsIntoABox_data();
+    void fitsIntoABox();
+    void staysWithinTheBoxAndTheInput();
     void refuses_data();
     void refuses();
 };
@@ -101,7 +104,7 @@ void TestFrameSize::fulfilsAWish_data()
     QTest::addColumn<QString>("result");
     const auto row = [](const char *name, FrameSize input, double percent, Side width, Side height,
                         const QString &result) {
-        QTest::newRow(name) << SizeWish{percent, width, height} << input << result;
+        QTest::newRow(name) << SizeWish{percent, width, height, {}} << input << result;
     };
     const FrameSize hd{1920, 1080};
     row("nothing said", hd, 100, {}, {}, u"1920 x 1080"_s);
@@ -127,6 +130,61 @@ void TestFrameSize::fulfilsAWish()
     QFETCH(FrameSize, input);
     const std::optional<FrameSize> size = sizeForWish(wish, input);
     QTEST(size ? frameSizeText(*size) : u"none"_s, "result");
+}
+
+void TestFrameSize::fitsIntoABox_data()
+{
+    QTest::addColumn<FrameSize>("box");
+    QTest::addColumn<FrameSize>("input");
+    QTest::addColumn<QString>("result");
+    const auto row = [](const char *name, FrameSize box, FrameSize input, const QString &result) {
+        QTest::newRow(name) << box << input << result;
+    };
+    const FrameSize hd{1280, 720};
+    row("the box's own proportions", hd, {1920, 1080}, u"1280 x 720"_s);
+    row("wider than the box", hd, {2560, 1080}, u"1280 x 540"_s);
+    row("higher than the box", hd, {1440, 1080}, u"960 x 720"_s);
+    row("upright", hd, {1080, 1920}, u"406 x 720"_s);
+    row("only the width is too large", hd, {1920, 500}, u"1280 x 334"_s);
+    row("only the height is too large", hd, {500, 1440}, u"250 x 720"_s);
+    row("the box itself", hd, hd, u"1280 x 720"_s);
+    row("smaller than the box: never enlarged", hd, {640, 360}, u"640 x 360"_s);
+    row("smaller and odd: lowered, not rounded up", hd, {853, 481}, u"852 x 480"_s);
+    row("as large as the box but for a pixel", hd, {1281, 721}, u"1280 x 720"_s);
+    row("an odd box", {1281, 721}, {1920, 1080}, u"1280 x 720"_s);
+    row("the smallest box", {2, 2}, {1920, 1080}, u"2 x 2"_s);
+    row("a side comes out at nothing", {100, 100}, {4000, 10}, u"100 x 0"_s);
+    row("a single column", hd, {1, 1080}, u"0 x 0"_s);
+    row("the largest box", {largest, largest}, {1920, 1080}, u"1920 x 1080"_s);
+    row("a flat input", hd, {1920, 0}, u"none"_s);
+    row("an input without a width", hd, {0, 1080}, u"none"_s);
+}
+
+void TestFrameSize::fitsIntoABox()
+{
+    QFETCH(FrameSize, box);
+    QFETCH(FrameSize, input);
+    const std::optional<FrameSize> size = sizeForWish({.percent = 50, .box = box}, input);
+    QTEST(size ? frameSizeText(*size) : u"none"_s, "result");
+}
+
+void TestFrameSize::staysWithinTheBoxAndTheInput()
+{
+    const FrameSize box{320, 180};
+    for (qint64 width = 1; width < 700; width += 3) {
+        for (qint64 height = 1; height < 700; height += 5) {
+            const std::optional<FrameSize> size = sizeWithin(box, {width, height});
+            const std::string input = frameSizeText({width, height}).toStdString();
+            QVERIFY2(size, input.c_str());
+            QVERIFY2(size->width <= qMin(box.width, width), input.c_str());
+            QVERIFY2(size->height <= qMin(box.height, height), input.c_str());
+            QVERIFY2(size->width % 2 == 0 && size->height % 2 == 0, input.c_str());
+            // One side reaches as far as an even one can.
+            QVERIFY2(size->width == loweredToEven(qMin(box.width, width)) ||
+                         size->height == loweredToEven(qMin(box.height, height)),
+                     input.c_str());
+        }
+    }
 }
 
 void TestFrameSize::refuses_data()

@@ -1,67 +1,13 @@
 #include "cli/info_json.h"
 
-#include "platform/paths.h"
+#include "cli/member_writer.h"
 #include "json/text_writer.h"
 
 #include <array>
-#include <cmath>
 
 namespace tessaly {
 
 namespace {
-
-// Writes members in the order of the calls.
-class MemberWriter
-{
-public:
-    explicit MemberWriter(EventSink &sink) : m_sink(sink) {}
-
-    void member(std::string_view name, bool value)
-    {
-        m_sink.key(name);
-        m_sink.boolean(value);
-    }
-    void member(std::string_view name, qint64 value) { number(name, Number(std::int64_t{value})); }
-    void member(std::string_view name, quint64 value) { number(name, Number(std::uint64_t{value})); }
-    void member(std::string_view name, double value)
-    {
-        if (std::isfinite(value)) {
-            number(name, Number(value));
-        } else {
-            null(name);
-        }
-    }
-    void member(std::string_view name, const QString &value)
-    {
-        m_sink.key(name);
-        m_sink.string(value.toStdString());
-    }
-    void member(std::string_view name, const QUrl &value) { member(name, absoluteString(value)); }
-
-    template<class Value>
-    void member(std::string_view name, const std::optional<Value> &value)
-    {
-        if (value) {
-            member(name, *value);
-        } else {
-            null(name);
-        }
-    }
-
-private:
-    void number(std::string_view name, const Number &value)
-    {
-        m_sink.key(name);
-        m_sink.number(value);
-    }
-    void null(std::string_view name)
-    {
-        m_sink.key(name);
-        m_sink.null();
-    }
-
-    EventSink &m_sink;
-};
 
 void writeTrack(EventSink &sink, const Dictionary &track)
 {

@@ -14,7 +14,7 @@ _tessaly_cli()
     info:-*) mapfile -t COMPREPLY < <(compgen -W '--json --verbose --help --version' -- "$word") ;;
     resize:-*)
         mapfile -t COMPREPLY < <(
-            compgen -W '-o --output --scale --fit --width --height --force --quiet --verbose --help --version' -- "$word"
+            compgen -W '-o --output --scale --fit --width --height --force --json --progress --quiet --verbose --help --version' -- "$word"
         )
         ;;
     info:* | resize:*)

@@ -15,15 +15,20 @@ namespace {
 
 const QString usage =
     u"Usage: tessaly-cli info [--json] [--verbose] FILE...\n"
-    "       tessaly-cli resize INPUT -o OUTPUT [--scale PERCENT | --fit WxH | --width W | --height H |\n"
-    "                          --width W --height H] [--force] [--quiet] [--verbose]\n"
+    "       tessaly-cli resize INPUT -o OUTPUT [SIZE] [--force] [--json [--progress]]\n"
+    "                          [--quiet] [--verbose]\n"
+    "       tessaly-cli resize INPUT... -o FOLDER [the same options]\n"
+    "SIZE:  --scale PERCENT | --fit WxH | --width W | --height H | --width W --height H\n"
     "\n"
     "info shows what is known about video files: size in pixels, duration, tracks, tags.\n"
     "resize writes a copy of a video in another frame size, as MP4. A side that is not given follows\n"
     "the other in the proportions of the input; sides are made even.\n"
+    "Several inputs are resized one after another into a folder. An input that is a folder stands for the\n"
+    "videos in it.\n"
     "\n"
-    "  --json           one JSON object a file, each on one line\n"
-    "  -o, --output F   the new file; .mp4 is added where it is missing\n"
+    "  --json           one JSON object a file, each on one line; human words go to standard error\n"
+    "  --progress       with resize --json: also objects that tell the progress\n"
+    "  -o, --output F   the new file, .mp4 is added where it is missing; or the folder, which may be new\n"
     "  --scale PERCENT  of the input's size, as 50 or 50%; 100 when nothing else is said\n"
     "  --fit WxH        the largest size within that many pixels, such as 1280x720; never enlarges\n"
     "  --width W        in pixels\n"
@@ -55,6 +60,14 @@ NamedFile namedFile(const QString &word)
     return {.shown = word, .path = absolutePath(word)};
 }
 
+std::vector<NamedFile> namedFiles(const QStringList &words)
+{
+    std::vector<NamedFile> files;
+    for (const QString &word : words)
+        files.push_back(namedFile(word));
+    return files;
+}
+
 Command readInfo(const QStringList &words)
 {
     QCommandLineParser parser;
@@ -67,13 +80,11 @@ Command readInfo(const QStringList &words)
     if (parser.isSet(help)) return ShowText{usage};
     if (parser.isSet(version)) return ShowText{versionLine};
 
-    InfoCommand command{.files = {}, .json = parser.isSet(json), .verbose = parser.isSet(verbose)};
-    for (const QString &word : parser.positionalArguments()) {
-        if (word.isEmpty()) return WrongUsage{u"A file name is empty."_s};
-        command.files.push_back(namedFile(word));
-    }
-    if (command.files.empty()) return WrongUsage{u"info needs at least one file."_s};
-    return command;
+    const QStringList files = parser.positionalArguments();
+    if (files.isEmpty()) return WrongUsage{u"info needs at least one file."_s};
+    if (files.contains(QString())) return WrongUsage{u"A file name is empty."_s};
+    return InfoCommand{
+        .files = namedFiles(files), .json = parser.isSet(json), .verbose = parser.isSet(verbose)};
 }
 
 // A side of a frame, from what was typed; nothing when that is no side.
@@ -135,9 +146,11 @@ Command readResize(const QStringList &words)
     const QCommandLineOption force(u"force"_s);
     const QCommandLineOption quiet(u"quiet"_s);
     const QCommandLineOption verbose(u"verbose"_s);
+    const QCommandLineOption json(u"json"_s);
+    const QCommandLineOption progress(u"progress"_s);
     const QCommandLineOption help(QStringList{u"help"_s, u"h"_s});
     const QCommandLineOption version(u"version"_s);
-    parser.addOptions({output, force, quiet, verbose, help, version});
+    parser.addOptions({output, force, quiet, verbose, json, progress, help, version});
     for (const QString &name : {u"scale"_s, u"fit"_s, u"width"_s, u"height"_s})
         parser.addOption(QCommandLineOption(name, {}, u"N"_s));
     if (!parser.parse(words)) return WrongUsage{parser.errorText()};
@@ -145,14 +158,17 @@ Command readResize(const QStringList &words)
     if (parser.isSet(version)) return ShowText{versionLine};
 
     const QStringList inputs = parser.positionalArguments();
-    if (inputs.size() != 1 || inputs.first().isEmpty())
-        return WrongUsage{u"resize needs exactly one input."_s};
+    if (inputs.isEmpty()) return WrongUsage{u"resize needs at least one input."_s};
+    if (inputs.contains(QString())) return WrongUsage{u"A file name is empty."_s};
     if (parser.value(output).isEmpty()) return WrongUsage{u"resize needs an output: -o FILE."_s};
-    ResizeCommand command{.input = namedFile(inputs.first()),
+    if (parser.isSet(progress) && !parser.isSet(json)) return WrongUsage{u"--progress needs --json."_s};
+    ResizeCommand command{.inputs = namedFiles(inputs),
                           .output = namedFile(parser.value(output)),
                           .force = parser.isSet(force),
                           .quiet = parser.isSet(quiet),
-                          .verbose = parser.isSet(verbose)};
+                          .verbose = parser.isSet(verbose),
+                          .json = parser.isSet(json),
+                          .progress = parser.isSet(progress)};
     if (const std::optional<QString> refusal = readSize(parser, command.size)) return WrongUsage{*refusal};
     return command;
 }

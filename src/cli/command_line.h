@@ -28,12 +28,14 @@ struct InfoCommand
 
 struct ResizeCommand
 {
-    NamedFile input;
-    NamedFile output;   // as named, perhaps without its extension
-    SizeWish size;      // above 0 percent, sides of at least 2 pixels
-    bool force = false; // an existing file may be replaced
-    bool quiet = false; // no progress, no report
+    std::vector<NamedFile> inputs; // at least one; files and folders
+    NamedFile output;              // as named, perhaps without its extension; a folder for many videos
+    SizeWish size;                 // above 0 percent, sides of at least 2 pixels
+    bool force = false;            // an existing file may be replaced
+    bool quiet = false;            // no progress, no report
     bool verbose = false;
+    bool json = false;     // standard output is for objects, all else goes to standard error
+    bool progress = false; // objects also of the progress; only with json
 };
 
 struct ShowText // --help, --version

@@ -1,6 +1,8 @@
 #include "cli/progress_display.h"
 
+#include "cli/member_writer.h"
 #include "cli/streams.h"
+#include "json/text_writer.h"
 
 #include <QElapsedTimer>
 
@@ -57,17 +59,21 @@ QString barLine(double percent, const QString &text, int width)
 
 } // namespace
 
-ProgressStyle progressStyle(bool quiet)
+ProgressStyle progressStyle(bool wantsObjects, bool quiet)
 {
+    if (wantsObjects) return ProgressStyle::objects;
     if (quiet) return ProgressStyle::none;
     const QByteArray terminal = qgetenv("TERM");
     const bool canWriteOver = ::isatty(STDERR_FILENO) == 1 && !terminal.isEmpty() && terminal != "dumb";
     return canWriteOver ? ProgressStyle::bar : ProgressStyle::lines;
 }
 
-ProgressDisplay::ProgressDisplay(ProgressStyle style) : ProgressDisplay(style, startedClock()) {}
+ProgressDisplay::ProgressDisplay(ProgressStyle style, const ProgressSubject &subject)
+    : ProgressDisplay(style, subject, startedClock())
+{}
 
-ProgressDisplay::ProgressDisplay(ProgressStyle style, Clock clock) : m_style(style), m_clock(std::move(clock))
+ProgressDisplay::ProgressDisplay(ProgressStyle style, const ProgressSubject &subject, Clock clock)
+    : m_style(style), m_subject(subject), m_clock(std::move(clock))
 {}
 
 void ProgressDisplay::show(double percent)
@@ -93,6 +99,7 @@ void ProgressDisplay::draw()
 {
     if (m_style == ProgressStyle::bar) drawBar();
     if (m_style == ProgressStyle::lines) writeLines();
+    if (m_style == ProgressStyle::objects) writeObject();
 }
 
 // The bar stands where its number does, which may be a second old.
@@ -104,8 +111,10 @@ void ProgressDisplay::drawBar()
     const QString text = isTold ? m_text : m_remaining.done();
     const int width = lineWidth();
     const bool hasBar = m_remaining.converted() <= 0;
-    const QString line = hasBar ? barLine(m_percent, text, width) : text.left(width);
-    write(stderr, '\r' + line.toUtf8() + "\033[K");
+    const QString place = m_subject.place.left(width);
+    const int rest = width - static_cast<int>(place.size());
+    const QString line = hasBar ? barLine(m_percent, text, rest) : text.left(rest);
+    write(stderr, '\r' + (place + line).toUtf8() + "\033[K");
 }
 
 void ProgressDisplay::writeLines()
@@ -122,7 +131,25 @@ void ProgressDisplay::writeLines()
 
 void ProgressDisplay::writeLine(const QString &text)
 {
-    write(stderr, text.toUtf8() + '\n');
+    write(stderr, (m_subject.place + text).toUtf8() + '\n');
+}
+
+void ProgressDisplay::writeObject()
+{
+    const int percent = static_cast<int>(m_remaining.percent());
+    const int second = static_cast<int>(m_remaining.converted());
+    if (percent <= m_wholePercent && second <= m_second) return;
+    m_wholePercent = percent;
+    m_second = second;
+    const bool hasPercent = m_remaining.converted() <= 0;
+    TextWriter sink;
+    MemberWriter members(sink);
+    sink.beginDictionary();
+    members.member("input", m_subject.input);
+    members.member("percent", hasPercent ? std::optional(qint64{percent}) : std::nullopt);
+    members.member("convertedSeconds", hasPercent ? std::nullopt : std::optional(qint64{second}));
+    sink.endDictionary();
+    write(stdout, QByteArray::fromStdString(sink.text()) + '\n');
 }
 
 void ProgressDisplay::finish()

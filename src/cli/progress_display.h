@@ -1,4 +1,4 @@
-// How far a resize has come, on standard error.
+// How far a resize has come, for people on standard error, for programs on standard output.
 #pragma once
 
 #include "jobs/progress.h"
@@ -9,12 +9,21 @@ namespace tessaly {
 
 enum class ProgressStyle {
     none,
-    lines, // one line for every tenth or every minute of the film, for logs
-    bar    // one line that is written over, for terminals
+    lines,  // one line for every tenth or every minute of the film, for logs
+    bar,    // one line that is written over, for terminals
+    objects // JSON on standard output, for every percent or second of the film, for programs
 };
 
-// A bar where standard error is a terminal that can write over a line, lines elsewhere, nothing when quiet.
-ProgressStyle progressStyle(bool quiet);
+// Objects when they are wanted. Otherwise a bar where standard error is a terminal that can write over a
+// line, lines elsewhere, nothing when quiet.
+ProgressStyle progressStyle(bool wantsObjects, bool quiet);
+
+// What the progress is one of.
+struct ProgressSubject
+{
+    QString place = {}; // in front of the text for people: "2 of 12: "
+    QString input = {}; // the path in the objects
+};
 
 // All of it on one thread.
 class ProgressDisplay
@@ -22,8 +31,9 @@ class ProgressDisplay
 public:
     using Clock = std::function<RemainingTime::Time()>; // time since the job began
 
-    explicit ProgressDisplay(ProgressStyle style); // the job begins now
-    ProgressDisplay(ProgressStyle style, Clock clock);
+    // The job begins now.
+    explicit ProgressDisplay(ProgressStyle style, const ProgressSubject &subject = {});
+    ProgressDisplay(ProgressStyle style, const ProgressSubject &subject, Clock clock);
 
     // Percent as from percentOfChunk(); shown is what RemainingTime believes.
     void show(double percent);
@@ -41,9 +51,11 @@ private:
     void draw();
     void drawBar();
     void writeLines();
+    void writeObject();
     void writeLine(const QString &text);
 
     ProgressStyle m_style;
+    ProgressSubject m_subject;
     Clock m_clock;
     RemainingTime m_remaining;
     QString m_text;         // the last that RemainingTime told
@@ -51,6 +63,8 @@ private:
     int m_tenth = 0;        // the last one that was written
     int m_minute = 0;       // of the film, likewise
     bool m_stalled = false; // likewise
+    int m_wholePercent = -1;
+    int m_second = -1; // of the film
 };
 
 } // namespace tessaly

@@ -15,6 +15,7 @@ private Q_SLOTS:
     void info();
     void resize_data();
     void resize();
+    void inputsKeepTheirOrder();
     void files_data();
     void files();
     void text_data();
@@ -75,6 +76,8 @@ void CommandLineTest::resize_data()
     row("width", {"--width", "201"}, u"100 % 201 x -"_s);
     row("height", {"--height=2"}, u"100 % - x 2"_s);
     row("both", {"--height=100", "--width=9223372036854775807"}, u"100 % 9223372036854775807 x 100"_s);
+    row("for programs", {"--json"}, u"100 % - x - json"_s);
+    row("for programs that wait", {"--progress", "--json"}, u"100 % - x - json progress"_s);
     row("flags", {"--force", "--quiet", "--verbose"}, u"100 % - x - force quiet verbose"_s);
 }
 
@@ -84,7 +87,8 @@ void CommandLineTest::resize()
     const Command command = readCommandLine(QByteArrayList{"resize", "/in", "-o", "/out"} + more);
     const auto *resize = std::get_if<ResizeCommand>(&command);
     QVERIFY(resize);
-    QCOMPARE(resize->input.path, u"/in"_s);
+    QCOMPARE(resize->inputs.size(), std::size_t{1});
+    QCOMPARE(resize->inputs[0].path, u"/in"_s);
     QCOMPARE(resize->output.path, u"/out"_s); // as it was named
     const auto side = [](std::optional<qint64> length) { return length ? QString::number(*length) : u"-"_s; };
     QString read = u"%1 % %2 x %3"_s.arg(QString::number(resize->size.percent), side(resize->size.width),
@@ -93,7 +97,20 @@ void CommandLineTest::resize()
     if (resize->force) read += u" force"_s;
     if (resize->quiet) read += u" quiet"_s;
     if (resize->verbose) read += u" verbose"_s;
+    if (resize->json) read += u" json"_s;
+    if (resize->progress) read += u" progress"_s;
     QTEST(read, "read");
+}
+
+void CommandLineTest::inputsKeepTheirOrder()
+{
+    const Command command = readCommandLine({"resize", "/b", "-o", "/out", "/a", "--force", "/b", "/c\xFF"});
+    const auto *resize = std::get_if<ResizeCommand>(&command);
+    QVERIFY(resize);
+    QStringList paths;
+    for (const NamedFile &input : resize->inputs)
+        paths += input.path.value_or(u"none"_s);
+    QCOMPARE(paths.join(u' '), u"/b /a /b none"_s);
 }
 
 void CommandLineTest::files_data()
@@ -184,9 +201,11 @@ void CommandLineTest::wrongUsage_data()
     row("unknown short option", {"info", "-x", "/a"}, "Unknown option 'x'.");
     row("option with a value", {"info", "--json=1", "/a"}, "Unexpected value after '--json'.");
     row("option cut short", {"info", "--js", "/a"}, "Unknown option 'js'.");
-    row("no input", {"resize", "-o", "a"}, "resize needs exactly one input.");
-    row("two inputs", {"resize", "a", "b", "-o", "c"}, "resize needs exactly one input.");
-    row("empty input", {"resize", "", "-o", "c"}, "resize needs exactly one input.");
+    row("no input", {"resize", "-o", "a"}, "resize needs at least one input.");
+    row("empty input", {"resize", "", "-o", "c"}, "A file name is empty.");
+    row("an empty input among others", {"resize", "a", "", "-o", "c"}, "A file name is empty.");
+    row("progress for people and programs", {"resize", "a", "-o", "b", "--progress"},
+        "--progress needs --json.");
     row("no output", {"resize", "a"}, "resize needs an output: -o FILE.");
     row("empty output", {"resize", "a", "-o", ""}, "resize needs an output: -o FILE.");
     row("scale and width", {"resize", "a", "-o", "b", "--scale=50", "--width=10"},

@@ -21,6 +21,12 @@ private Q_SLOTS:
     void names();
     void targets_data();
     void targets();
+    void folders_data();
+    void folders();
+    void namesInAFolder_data();
+    void namesInAFolder();
+    void whatIsCalledAVideo_data();
+    void whatIsCalledAVideo();
 
 private:
     QString path(const QString &name) const { return m_folder.filePath(name); }
@@ -120,6 +126,91 @@ void OutputPathTest::targets()
         const QString sentence = QString(expected).replace(u"%1"_s, path(target));
         QCOMPARE(targetRefusal(path(u"in.mp4"_s), path(target), mayReplace).value_or(QString()), sentence);
     }
+}
+
+void OutputPathTest::folders_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QString>("refusal"); // empty: none; the name comes before it
+    const auto row = [](const char *name, const char *refusal) {
+        QTest::newRow(name) << QString::fromUtf8(name) << QString::fromUtf8(refusal);
+    };
+    row("folder", "");
+    row("folder/", "");
+    row("folder.mp4", ""); // it is there
+    row(".", "");
+    row("new", "");
+    row("new/", "");
+    row("new.mp4/", ""); // who writes a slash means a folder
+    row("films 3.8.2024", "");
+    row("new.mp4", " is the name of a file.");
+    row("new.MOV", " is the name of a file.");
+    row("new.mp3", " is the name of a file.");
+    row("taken.mp4", " is no folder.");
+    row("pipe.mp4", " is no folder.");
+    row("device.mp4", " is no folder.");
+    row("dangling.mp4", " is no folder.");
+    row("/dev/null", " is no folder.");
+    row("/dev/small", " cannot be a folder.");
+    row("-", " cannot be a folder.");
+}
+
+void OutputPathTest::folders()
+{
+    QFETCH(QString, name);
+    QFETCH(QString, refusal);
+    const QString there = name.startsWith(u'/') || name == u"-" ? name : path(name);
+    const QString sentence = refusal.isEmpty() ? QString() : name + refusal;
+    QCOMPARE(folderRefusal({.shown = name, .path = there}).value_or(QString()), sentence);
+}
+
+void OutputPathTest::namesInAFolder_data()
+{
+    QTest::addColumn<QString>("input");
+    QTest::addColumn<QString>("name");
+    const auto row = [](const char *input, const char *name) {
+        QTest::newRow(input) << QString::fromUtf8(input) << QString::fromUtf8(name);
+    };
+    row("/in/a.mp4", "a.mp4");
+    row("/in/a.MP4", "a.MP4");
+    row("/in/a.mov", "a.mp4");
+    row("/in/a film.MKV", "a film.mp4");
+    row("/in/a.tar.webm", "a.tar.mp4");
+    row("/in/a.jpg", "a.mp4");
+    row("/in/a", "a.mp4");
+    row("/in/a.", "a.mp4");
+    row("/in/holiday 3.8.2024", "holiday 3.8.2024.mp4");
+    row("/in/.mov", ".mov.mp4");
+    row("/in/%1 %2.mov", "%1 %2.mp4");
+    row("/in/é🎬.avi", "é🎬.mp4");
+    row("/in/-", "-.mp4");
+}
+
+void OutputPathTest::namesInAFolder()
+{
+    QFETCH(QString, input);
+    QFETCH(QString, name);
+    const NamedFile file{.shown = u"anything"_s, .path = input};
+    for (const QString &slash : {u""_s, u"/"_s}) {
+        const NamedFile output = outputIn({.shown = u"out"_s + slash, .path = u"/v/out"_s + slash}, file);
+        QCOMPARE(output.shown, u"out/"_s + name);
+        QCOMPARE(output.path, u"/v/out/"_s + name);
+        QCOMPARE(nameRefusal(output).value_or(QString()), QString());
+    }
+}
+
+void OutputPathTest::whatIsCalledAVideo_data()
+{
+    QTest::addColumn<bool>("isVideo");
+    for (const char *name : {"a.mp4", "a.MP4", "a.mov", "/in/a b.Mkv", "a.vob"})
+        QTest::newRow(name) << true;
+    for (const char *name : {"a", "mp4", ".mp4", "a.txt", "a.jpg", "a.mp3", "a.gif", "a.mp4/b", ""})
+        QTest::newRow(name) << false;
+}
+
+void OutputPathTest::whatIsCalledAVideo()
+{
+    QTEST(isCalledVideo(QString::fromUtf8(QTest::currentDataTag())), "isVideo");
 }
 
 TESSALY_TEST_MAIN(OutputPathTest)

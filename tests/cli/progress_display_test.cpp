@@ -24,6 +24,10 @@ private Q_SLOTS:
     void oneLineStaysOneLine();
     void finishing_data();
     void finishing();
+    void thePlaceComesFirst_data();
+    void thePlaceComesFirst();
+    void objects_data();
+    void objects();
     void theStyleFollowsTheTerminal_data();
     void theStyleFollowsTheTerminal();
 };
@@ -36,11 +40,12 @@ struct Step
     std::optional<double> converted;
 };
 
-QByteArray writtenIn(ProgressStyle style, const QList<Step> &steps)
+QByteArray writtenIn(ProgressStyle style, const QList<Step> &steps, const ProgressSubject &subject = {},
+                     int channel = STDERR_FILENO)
 {
-    return writtenTo(STDERR_FILENO, [&] {
+    return writtenTo(channel, [&] {
         std::chrono::seconds now(0);
-        ProgressDisplay display(style, [&now] { return now; });
+        ProgressDisplay display(style, subject, [&now] { return now; });
         for (const Step &step : steps) {
             now = std::chrono::seconds(step.second);
             if (step.percent) display.show(*step.percent);
@@ -190,7 +195,7 @@ void ProgressDisplayTest::oneLineStaysOneLine()
     QFETCH(QByteArray, line);
     const QByteArray shown = shownOnTerminal(columns, [] {
         std::chrono::seconds now(8);
-        ProgressDisplay display(ProgressStyle::bar, [&now] { return now; });
+        ProgressDisplay display(ProgressStyle::bar, {}, [&now] { return now; });
         display.show(10);
         now *= 2;
         display.show(20);
@@ -213,6 +218,49 @@ void ProgressDisplayTest::finishing()
     QTEST(writtenTo(STDERR_FILENO, [&] { ProgressDisplay(style).finish(); }), "written");
 }
 
+void ProgressDisplayTest::thePlaceComesFirst_data()
+{
+    QTest::addColumn<ProgressStyle>("style");
+    QTest::addColumn<QByteArray>("written");
+    QTest::newRow("lines") << ProgressStyle::lines << QByteArray("2 of 12: 10 %\n2 of 12: 20 %\n");
+    QTest::newRow("bar") << ProgressStyle::bar
+                         << QByteArray("\r2 of 12: [###...........................] 10 %\033[K"
+                                       "\r2 of 12: [######........................] 20 %\033[K");
+}
+
+void ProgressDisplayTest::thePlaceComesFirst()
+{
+    QFETCH(ProgressStyle, style);
+    QTEST(writtenIn(style, percents({10, 20}), {.place = u"2 of 12: "_s, .input = u"/a"_s}), "written");
+}
+
+void ProgressDisplayTest::objects_data()
+{
+    QTest::addColumn<QList<Step>>("steps");
+    QTest::addColumn<QByteArray>("written");
+    const QByteArray begin = R"({"input":"/a \"b\"","percent":)";
+    const auto percent = [&begin](const char *value) {
+        return begin + value + QByteArray(",\"convertedSeconds\":null}\n");
+    };
+    const auto converted = [&begin](const char *value) {
+        return begin + QByteArray("null,\"convertedSeconds\":") + value + "}\n";
+    };
+    QTest::newRow("each whole percent once")
+        << percents({1.5, 1.9, 2, 2, 9}) << percent("1") + percent("2") + percent("9");
+    QTest::newRow("no way back") << percents({9, 5}) << percent("9");
+    QTest::newRow("what is no number") << percents({std::nan(""), 3}) << percent("3");
+    QTest::newRow("each second of the film once")
+        << QList<Step>{{0, {}, 1.5}, {1, {}, 1.9}, {2, {}, 12}} << converted("1") + converted("12");
+}
+
+void ProgressDisplayTest::objects()
+{
+    QFETCH(QList<Step>, steps);
+    const ProgressSubject subject{.place = u"2 of 12: "_s, .input = u"/a \"b\""_s};
+    QTEST(writtenIn(ProgressStyle::objects, steps, subject, STDOUT_FILENO), "written");
+    QCOMPARE(writtenIn(ProgressStyle::objects, steps, subject), QByteArray());
+}
+
 void ProgressDisplayTest::theStyleFollowsTheTerminal_data()
 {
     QTest::addColumn<QByteArray>("terminal");
@@ -230,15 +278,17 @@ void ProgressDisplayTest::theStyleFollowsTheTerminal()
     ProgressStyle plain{};
     ProgressStyle shown{};
     ProgressStyle quiet{};
-    writtenTo(STDERR_FILENO, [&] { plain = progressStyle(false); });
+    writtenTo(STDERR_FILENO, [&] { plain = progressStyle(false, false); });
     shownOnTerminal(80, [&] {
-        shown = progressStyle(false);
-        quiet = progressStyle(true);
+        shown = progressStyle(false, false);
+        quiet = progressStyle(false, true);
     });
     qputenv("TERM", before);
     QCOMPARE(plain, ProgressStyle::lines);
     QTEST(shown, "style");
     QCOMPARE(quiet, ProgressStyle::none);
+    QCOMPARE(progressStyle(true, false), ProgressStyle::objects);
+    QCOMPARE(progressStyle(true, true), ProgressStyle::objects);
 }
 
 TESSALY_TEST_MAIN(ProgressDisplayTest)

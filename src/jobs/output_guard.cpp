@@ -1,5 +1,7 @@
 #include "jobs/output_guard.h"
 
+#include "platform/paths.h"
+
 #include <QFile>
 
 #include <filesystem>
@@ -18,20 +20,6 @@ constexpr int holdingOnly = O_PATH;
 #else
 constexpr int holdingOnly = O_RDONLY;
 #endif
-
-// What a chain of symbolic links leads to, also when nothing is there.
-QByteArray withoutLinks(QByteArray path)
-{
-    constexpr int longestChain = 40; // as the system has it
-    QByteArray next(4096, '\0');
-    for (int i = 0; i < longestChain; ++i) {
-        const ssize_t size = ::readlink(path.constData(), next.data(), static_cast<std::size_t>(next.size()));
-        if (size < 0) break;
-        const QByteArray target = next.first(size);
-        path = target.startsWith('/') ? target : path.first(path.lastIndexOf('/') + 1) + target;
-    }
-    return path;
-}
 
 bool isOpenForWriting(const QString &process, const std::string &descriptor)
 {

@@ -9,6 +9,7 @@
 #include <algorithm>
 
 #include <sys/stat.h>
+#include <unistd.h>
 
 namespace tessaly {
 
@@ -113,6 +114,19 @@ bool isSameFile(const QString &path, const QString &otherPath)
     if (::stat(QFile::encodeName(path).constData(), &file) != 0) return false;
     if (::stat(QFile::encodeName(otherPath).constData(), &other) != 0) return false;
     return file.st_dev == other.st_dev && file.st_ino == other.st_ino;
+}
+
+QByteArray withoutLinks(QByteArray path)
+{
+    constexpr int longestChain = 40; // as the system has it
+    QByteArray next(4096, '\0');
+    for (int i = 0; i < longestChain; ++i) {
+        const ssize_t size = ::readlink(path.constData(), next.data(), static_cast<std::size_t>(next.size()));
+        if (size < 0) break;
+        const QByteArray target = next.first(size);
+        path = target.startsWith('/') ? target : path.first(path.lastIndexOf('/') + 1) + target;
+    }
+    return path;
 }
 
 std::optional<QString> pathFromBytes(const QByteArray &bytes)

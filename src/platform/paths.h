@@ -36,6 +36,10 @@ QString absoluteString(const QUrl &fileURL);
 // when either is missing.
 bool isSameFile(const QString &path, const QString &otherPath);
 
+// What a chain of symbolic links leads to, also when nothing is there; only the last component is followed.
+// Both are paths as the system has them.
+QByteArray withoutLinks(QByteArray path);
+
 // A file name as the system gives it. nullopt when it is not UTF-8 or holds a NUL: such a file cannot be
 // opened.
 std::optional<QString> pathFromBytes(const QByteArray &bytes);

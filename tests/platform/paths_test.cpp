@@ -24,6 +24,8 @@ private Q_SLOTS:
     void theRootAsCurrentFolder();
     void tellsTheSameFile_data();
     void tellsTheSameFile();
+    void followsLinks_data();
+    void followsLinks();
     void readsNamesOfTheSystem_data();
     void readsNamesOfTheSystem();
 
@@ -47,6 +49,9 @@ void PathsTest::initTestCase()
     QVERIFY(QFile::link(u"nowhere.mp4"_s, u"dangling.mp4"_s));
     QCOMPARE(::link("clip.mp4", "hard.mp4"), 0);
     QVERIFY(file.copy(u"copy.mp4"_s));
+    QCOMPARE(::symlink("../symbolic.mp4", "folder/second"), 0);
+    QCOMPARE(::symlink("/dev/full", "folder/absolute"), 0);
+    QCOMPARE(::symlink("caf\xE9", "folder/latin"), 0);
 }
 
 void PathsTest::cleanupTestCase()
@@ -156,6 +161,33 @@ void PathsTest::tellsTheSameFile()
     QFETCH(QString, other);
     QFETCH(bool, same);
     QCOMPARE(isSameFile(path, other), same);
+}
+
+void PathsTest::followsLinks_data()
+{
+    QTest::addColumn<QByteArray>("path");
+    QTest::addColumn<QByteArray>("end");
+    QTest::newRow("no link") << "clip.mp4"_ba
+                             << "clip.mp4"_ba;
+    QTest::newRow("nothing there") << "missing.mp4"_ba
+                                   << "missing.mp4"_ba;
+    QTest::newRow("a link") << "./symbolic.mp4"_ba
+                            << "./clip.mp4"_ba;
+    QTest::newRow("a link to nothing") << "folder/../dangling.mp4"_ba
+                                       << "folder/../nowhere.mp4"_ba;
+    QTest::newRow("two links") << "folder/second"_ba
+                               << "folder/../clip.mp4"_ba;
+    QTest::newRow("an absolute link") << "folder/absolute"_ba
+                                      << "/dev/full"_ba;
+    QTest::newRow("a name that is not UTF-8") << "folder/latin"_ba
+                                              << "folder/caf\xE9"_ba;
+}
+
+void PathsTest::followsLinks()
+{
+    QFETCH(QByteArray, path);
+    QFETCH(QByteArray, end);
+    QCOMPARE(withoutLinks(path), end);
 }
 
 void PathsTest::readsNamesOfTheSystem_data()

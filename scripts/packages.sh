@@ -10,7 +10,7 @@ fail() {
 
 # The Debian packages that a build needs, that the programs need beside them, that the tests need beside those, and that the
 # fuzz preset needs. lint_packages is what scripts/lint needs beside the build's.
-build_packages="g++ cmake ninja-build pkg-config qt6-base-dev libxcb1-dev nlohmann-json3-dev ffmpeg"
+build_packages="g++ cmake ninja-build pkg-config qt6-base-dev libxcb1-dev libseccomp-dev nlohmann-json3-dev ffmpeg"
 icon_plugin=qt6-svg-plugins # Debian 12 has it in the library's own package
 if grep -qsx 'VERSION_CODENAME=bookworm' /etc/os-release; then icon_plugin=libqt6svg6; fi
 run_packages="$icon_plugin qt6-qpa-plugins"

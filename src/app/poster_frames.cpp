@@ -40,7 +40,8 @@ void AppDelegate::extractPosterFrames(double duration, const QString &inputPath)
         for (int number = 1; number <= posterFrameCount; ++number) {
             progressDetail->setText(tr("Still %1 of %2").arg(number).arg(posterFrameCount));
             const ProcessOutcome outcome =
-                runToEnd(*creator, posterFrameArguments(number, duration, inputPath), {.time = stillLimit});
+                runToEnd(*creator, posterFrameArguments(number, duration, inputPath), {.time = stillLimit},
+                         placesForFile(posterFramePath(number)));
             if (outcome.end == ProcessOutcome::End::stopped) break; // the program is ending
             showPosterFrame(number);
             progressBar->setDoubleValue(10.0 * (number - 1));

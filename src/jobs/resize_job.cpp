@@ -47,8 +47,9 @@ void ResizeJob::convert(const Progress &progress)
         return;
     }
     const auto onChunk = [&](const QByteArray &chunk) { handleConverterOutput(chunk, progress); };
-    m_outcome = m_converter.run(*converter, m_arguments, Reading::standardError, onChunk,
-                                {.whenProgramEnds = programEndLimit}, progress.tick);
+    m_outcome =
+        m_converter.run(*converter, m_arguments, Reading::standardError, onChunk,
+                        {.whenProgramEnds = programEndLimit}, progress.tick, placesForFile(m_target.path));
 }
 
 void ResizeJob::handleConverterOutput(const QByteArray &chunk, const Progress &progress)

@@ -1,7 +1,9 @@
 #include "platform/child_process.h"
 
 #include "platform/busy_input.h"
+#include "platform/confinement.h"
 #include "platform/pipe.h"
+#include "platform/small_stack.h"
 
 #include <QCoreApplication>
 #include <QDeadlineTimer>
@@ -50,7 +52,8 @@ bool eventLoopIsRunning()
 }
 
 // In the child, between fork and exec: only what is safe in a signal handler.
-void prepareChild(pid_t parent, int channel, int pipeEnd)
+TESSALY_ON_A_SMALL_STACK void prepareChild(pid_t parent, int channel, int pipeEnd,
+                                           const Confinement &confinement)
 {
     ::setpgid(0, 0);
 #ifdef Q_OS_LINUX
@@ -62,6 +65,7 @@ void prepareChild(pid_t parent, int channel, int pipeEnd)
     sigset_t none;
     ::sigemptyset(&none);
     ::sigprocmask(SIG_SETMASK, &none, nullptr);
+    confinement.enter();
 }
 
 QString startFailure(const QString &program, const QString &systemText)
@@ -91,9 +95,11 @@ public:
     Run(const Run &) = delete;
     Run &operator=(const Run &) = delete;
 
-    ProcessOutcome toTheEnd(const QString &program, const QStringList &arguments)
+    ProcessOutcome toTheEnd(const QString &program, const QStringList &arguments,
+                            const WritablePlaces &writable)
     {
-        start(program.isEmpty() ? program : QFileInfo(program).absoluteFilePath(), arguments);
+        start(program.isEmpty() ? program : QFileInfo(program).absoluteFilePath(), arguments,
+              Confinement(writable));
         if (eventLoopIsRunning()) waitInEventLoop();
         waitPlainly();
         readWhatTheChildLeft();
@@ -101,7 +107,7 @@ public:
     }
 
 private:
-    void start(const QString &program, const QStringList &arguments)
+    void start(const QString &program, const QStringList &arguments, const Confinement &confinement)
     {
         const int channel = m_reading == Reading::standardError ? STDERR_FILENO : STDOUT_FILENO;
         const int pipeEnd = m_pipe ? m_pipe->writingEnd() : -1;
@@ -114,7 +120,8 @@ private:
         m_process.setStandardInputFile(QProcess::nullDevice());
         m_process.setProcessChannelMode(QProcess::ForwardedChannels);
         m_process.setChildProcessModifier(
-            [parent = ::getpid(), channel, pipeEnd] { prepareChild(parent, channel, pipeEnd); });
+            [parent = ::getpid(), channel, pipeEnd, &confinement]()
+                TESSALY_ON_A_SMALL_STACK { prepareChild(parent, channel, pipeEnd, confinement); });
         if (m_limits.time > 0ms) m_deadline.setRemainingTime(m_limits.time);
         m_process.start();
         m_owner.m_processId = m_process.processId();
@@ -260,12 +267,13 @@ private:
 };
 
 ProcessOutcome ChildProcess::run(const QString &program, const QStringList &arguments, Reading reading,
-                                 const ChunkHandler &onChunk, ProcessLimits limits, const TickHandler &onTick)
+                                 const ChunkHandler &onChunk, ProcessLimits limits, const TickHandler &onTick,
+                                 const WritablePlaces &writable)
 {
     if (runsAreEnding()) requestStop(limits.whenProgramEnds);
     if (stopIsRequested()) return {End::stopped, 0, {}};
     endWithTheApplication();
-    return Run(*this, reading, onChunk, limits, onTick).toTheEnd(program, arguments);
+    return Run(*this, reading, onChunk, limits, onTick).toTheEnd(program, arguments, writable);
 }
 
 void ChildProcess::requestStop(std::chrono::milliseconds limit)
@@ -285,9 +293,10 @@ CapturedRun runCapturingOutput(const QString &program, const QStringList &argume
     return captured;
 }
 
-ProcessOutcome runToEnd(const QString &program, const QStringList &arguments, ProcessLimits limits)
+ProcessOutcome runToEnd(const QString &program, const QStringList &arguments, ProcessLimits limits,
+                        const WritablePlaces &writable)
 {
-    return ChildProcess().run(program, arguments, Reading::nothing, {}, limits);
+    return ChildProcess().run(program, arguments, Reading::nothing, {}, limits, {}, writable);
 }
 
 void endAllRuns()

@@ -2,8 +2,10 @@
 // goes through a shell or a search path, and a child never has the terminal: its standard input is the null
 // device. It has a process group of its own, so that a key typed in a terminal reaches only this program, the
 // usual treatment of signals, and on Linux it is killed by the system when this program dies, however that
-// comes about.
+// comes about, and shut in as confinement.h tells.
 #pragma once
+
+#include "platform/writable_places.h"
 
 #include <QByteArray>
 #include <QString>
@@ -64,10 +66,12 @@ public:
     // Runs the program and waits for its end on the calling thread, which may be any. Where the application
     // object's thread has a running event loop, the wait runs a local one under a BusyInput: windows repaint,
     // timers fire, user input is thrown away; when the application is told to quit meanwhile, all runs end as
-    // by endAllRuns(). Elsewhere no event is dispatched. To be called once.
+    // by endAllRuns(). Elsewhere no event is dispatched. To be called once. The child can write nowhere but
+    // at the places that are given, and to what it inherits.
     [[nodiscard]] ProcessOutcome run(const QString &program, const QStringList &arguments,
                                      Reading reading = Reading::nothing, const ChunkHandler &onChunk = {},
-                                     ProcessLimits limits = {}, const TickHandler &onTick = {});
+                                     ProcessLimits limits = {}, const TickHandler &onTick = {},
+                                     const WritablePlaces &writable = {});
 
     // Asks the child to end (SIGTERM) within a tenth of a second, and kills it when the limit is over; with a
     // limit of 0 it is killed without being asked. A child that has not started is not started any more. Of
@@ -96,13 +100,13 @@ struct CapturedRun
     QByteArray output; // all that came until the end of the pipe, at most outputBytes
 };
 
-// A whole run whose standard output is captured.
+// A whole run whose standard output is captured, and which writes no files.
 [[nodiscard]] CapturedRun runCapturingOutput(const QString &program, const QStringList &arguments,
                                              ProcessLimits limits = {});
 
 // A whole run of which nothing is read.
 [[nodiscard]] ProcessOutcome runToEnd(const QString &program, const QStringList &arguments,
-                                      ProcessLimits limits = {});
+                                      ProcessLimits limits = {}, const WritablePlaces &writable = {});
 
 // For the end of the program: every run on any thread stops its child within a tenth of a second, as its
 // limits say, and new runs end as stopped without starting. Happens by itself when the application object

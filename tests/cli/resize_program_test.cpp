@@ -1,6 +1,7 @@
 // tessaly-cli resize, run as people run it, with the real tools.
 #include "e2e/small_disk.h"
 #include "support/test_case.h"
+#include "support/unconfined.h"
 
 #include <QDir>
 #include <QProcess>
@@ -267,6 +268,7 @@ private Q_SLOTS:
 
     void aTargetThatAppearsMeanwhileStays()
     {
+        const tessaly::test::Unconfined unconfined;
         const QString program =
             programWith(u"sniffer"_s, "printf theirs >appeared.mp4\nexec \"$real\" \"$@\"\n");
         const QStringList words{m_media + u"plain.mp4"_s, u"-o"_s, u"appeared"_s, u"--quiet"_s};
@@ -366,6 +368,7 @@ private Q_SLOTS:
     void aVideoThatCannotBeCheckedIsKept()
     {
         // The second time it is gone.
+        const tessaly::test::Unconfined unconfined;
         const QString program = programWith(u"sniffer"_s, "rm \"$0\"\nexec \"$real\" \"$@\"\n");
         const Result result =
             run({m_media + u"plain.mp4"_s, u"-o"_s, u"unchecked"_s, u"--width"_s, u"160"_s}, program);
@@ -389,6 +392,7 @@ private Q_SLOTS:
 
     void interruptWhileTheNewFileIsCheckedCancels()
     {
+        const tessaly::test::Unconfined unconfined;
         const QString program =
             programWith(u"sniffer"_s, "case \"$*\" in *checked.mp4) touch checking; exec sleep 60 ;; esac\n"
                                       "exec \"$real\" \"$@\"\n");

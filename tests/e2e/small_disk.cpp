@@ -1,5 +1,7 @@
 #include "e2e/small_disk.h"
 
+#include "platform/small_stack.h"
+
 #include <QDir>
 
 #include <csignal>
@@ -15,9 +17,6 @@ namespace tessaly::e2e {
 using namespace Qt::StringLiterals;
 
 namespace {
-
-// Between fork and exec there are a few kilobytes of stack, and the sanitizers would take more.
-#define TESSALY_ON_A_SMALL_STACK __attribute__((no_sanitize("address", "undefined")))
 
 TESSALY_ON_A_SMALL_STACK bool writeFile(const char *path, const QByteArray &text)
 {

@@ -77,11 +77,13 @@ void TestPosterFrames::writesFramesForReal()
 {
     test::FakeTools tools;
     tools.useRealTool(u"creator"_s);
+    tools.confine();
     QVERIFY(QDir().mkpath(posterFrameFolder()));
     for (const int n : {1, posterFrameCount}) {
         const auto outcome =
             runToEnd(pathForResource(u"creator"_s).value(),
-                     posterFrameArguments(n, 2, QStringLiteral(TESSALY_MEDIA_FOLDER "/plain.mp4")));
+                     posterFrameArguments(n, 2, QStringLiteral(TESSALY_MEDIA_FOLDER "/plain.mp4")), {},
+                     placesForFile(posterFramePath(n)));
         QVERIFY(outcome.succeeded());
         QFile frame(posterFramePath(n));
         QVERIFY(frame.open(QIODevice::ReadOnly));

@@ -114,11 +114,13 @@ void TestResizeArguments::resizesForReal()
     test::FakeTools tools;
     tools.useRealTool(u"sniffer"_s);
     tools.useRealTool(u"creator"_s);
+    tools.confine();
     const QTemporaryDir folder;
     const QString input = QStringLiteral(TESSALY_MEDIA_FOLDER "/") + clip;
     const QString output = folder.filePath(u"out.mp4"_s);
     const auto arguments = buildResizeArguments(FileProbe(input), input, output, 130, 98);
-    QVERIFY(runToEnd(pathForResource(u"creator"_s).value(), QStringList{u"-v"_s, u"error"_s} + arguments)
+    QVERIFY(runToEnd(pathForResource(u"creator"_s).value(), QStringList{u"-v"_s, u"error"_s} + arguments, {},
+                     placesForFile(output))
                 .succeeded());
     const FileProbe made(output);
     QVERIFY(made.hasVideoTrack);

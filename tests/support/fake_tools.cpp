@@ -91,6 +91,11 @@ void FakeTools::useRealTool(const QString &tool)
     require(QFile::link(realTool(tool), path(tool)), path(tool));
 }
 
+void FakeTools::confine()
+{
+    m_unconfined.reset();
+}
+
 QString FakeTools::realTool(const QString &tool)
 {
     return tool == "sniffer"_L1 ? QStringLiteral(TESSALY_REAL_SNIFFER) : QStringLiteral(TESSALY_REAL_CREATOR);

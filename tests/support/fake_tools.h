@@ -27,18 +27,23 @@
 // After the last step it exits with 0. A wrong step ends it with 99 and a line on standard error.
 #pragma once
 
+#include "support/unconfined.h"
+
 #include <QByteArray>
 #include <QList>
 #include <QString>
 #include <QStringList>
 #include <QTemporaryDir>
 
+#include <optional>
+
 namespace tessaly::test {
 
 class FakeTools
 {
 public:
-    // Both tools are there, do nothing and exit with 0; pathForResource() finds them while the object lives.
+    // Both tools are there, do nothing and exit with 0; pathForResource() finds them while the object lives,
+    // and children run without confinement: the fakes keep their records beside themselves.
     FakeTools();
     ~FakeTools();
     FakeTools(const FakeTools &) = delete;
@@ -52,6 +57,8 @@ public:
     void setSteps(const QString &tool, const QList<QStringList> &steps);
 
     void useRealTool(const QString &tool);
+    // Children are confined again, when both tools are real.
+    void confine();
     static QString realTool(const QString &tool);
     void remove(const QString &tool);
     // Puts something there that is no program.
@@ -69,6 +76,7 @@ private:
     void useFake(const QString &tool);
 
     QTemporaryDir m_resources;
+    std::optional<Unconfined> m_unconfined{std::in_place};
 };
 
 } // namespace tessaly::test

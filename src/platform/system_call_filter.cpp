@@ -1,0 +1,175 @@
+#include "platform/system_call_filter.h"
+
+#include <cerrno>
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+#include <fcntl.h>
+#include <linux/filter.h>
+#include <linux/seccomp.h>
+#include <sched.h>
+#include <seccomp.h>
+#include <sys/ioctl.h>
+#include <sys/mman.h>
+#include <sys/stat.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+
+namespace tessaly {
+
+namespace {
+
+constexpr const char *refusedCalls[] = {
+    // Sockets of every kind: behind a local one sits the session's bus, which starts programs for everybody.
+    "socket",
+    // Other processes.
+    "ptrace", "process_vm_readv", "process_vm_writev", "process_madvise", "pidfd_getfd", "kcmp",
+    "perf_event_open", "bpf", "userfaultfd", "lookup_dcookie",
+    // What is mounted where, and worlds of one's own.
+    "mount", "umount", "umount2", "pivot_root", "chroot", "fsopen", "fsconfig", "fsmount", "fspick",
+    "move_mount", "open_tree", "open_tree_attr", "mount_setattr", "unshare", "setns", "swapon", "swapoff",
+    "quotactl", "quotactl_fd",
+    // Keys, and roads to files that go round their folders.
+    "add_key", "keyctl", "request_key", "name_to_handle_at", "open_by_handle_at", "fanotify_init",
+    // Calls that this filter would not see.
+    "io_uring_setup", "io_uring_enter", "io_uring_register",
+    // The machine itself.
+    "reboot", "kexec_load", "kexec_file_load", "init_module", "finit_module", "create_module",
+    "delete_module", "acct", "syslog", "_sysctl", "nfsservctl", "iopl", "ioperm", "vhangup", "settimeofday",
+    "stime", "clock_settime", "clock_settime64", "clock_adjtime", "clock_adjtime64", "sethostname",
+    "setdomainname",
+    // Whose a file is and who may use it; Landlock leaves that free.
+    "chmod", "fchmod", "fchmodat", "fchmodat2", "chown", "chown32", "lchown", "lchown32", "fchown",
+    "fchown32", "fchownat", "setxattr", "lsetxattr", "fsetxattr", "setxattrat", "removexattr", "lremovexattr",
+    "fremovexattr", "removexattrat", "file_setattr",
+    // By name; Landlock refuses it only from level 3 on.
+    "truncate", "truncate64"};
+
+// Callers fall back from these to calls whose arguments can be seen.
+constexpr const char *callsSaidToBeMissing[] = {"clone3", "openat2"};
+
+struct RefusedArgument
+{
+    const char *call;
+    unsigned argument;
+    std::uint64_t mask;
+    std::uint64_t value;
+};
+
+constexpr std::uint64_t allOfAnInt = 0xffffffff;
+
+constexpr RefusedArgument refusedArguments[] = {
+    {"clone", 0, CLONE_NEWUSER, CLONE_NEWUSER},
+    {"clone", 0, CLONE_NEWNS, CLONE_NEWNS},
+    {"clone", 0, CLONE_NEWPID, CLONE_NEWPID},
+    {"clone", 0, CLONE_NEWNET, CLONE_NEWNET},
+    {"clone", 0, CLONE_NEWIPC, CLONE_NEWIPC},
+    {"clone", 0, CLONE_NEWUTS, CLONE_NEWUTS},
+    {"clone", 0, CLONE_NEWCGROUP, CLONE_NEWCGROUP},
+    {"mknod", 1, S_IFMT, S_IFCHR},
+    {"mknod", 1, S_IFMT, S_IFBLK},
+    {"mknodat", 2, S_IFMT, S_IFCHR},
+    {"mknodat", 2, S_IFMT, S_IFBLK},
+    // Opened to be emptied, but not to be written: unseen by Landlock below level 3.
+    {"open", 1, O_TRUNC | O_ACCMODE, O_TRUNC},
+    {"open", 1, O_TRUNC | O_ACCMODE, O_TRUNC | O_ACCMODE},
+    {"openat", 2, O_TRUNC | O_ACCMODE, O_TRUNC},
+    {"openat", 2, O_TRUNC | O_ACCMODE, O_TRUNC | O_ACCMODE},
+    // Typing into the terminal that the child inherits.
+    {"ioctl", 1, allOfAnInt, TIOCSTI},
+    {"ioctl", 1, allOfAnInt, TIOCLINUX}};
+
+class Rules
+{
+public:
+    Rules() : m_context(::seccomp_init(SCMP_ACT_ALLOW))
+    {
+        m_areWhole = m_context && ::seccomp_attr_set(m_context.get(), SCMP_FLTATR_ACT_BADARCH, refusal) == 0;
+        addArchitecturesOfOtherBuilds();
+        for (const char *call : refusedCalls)
+            add(refusal, call, {});
+        for (const char *call : callsSaidToBeMissing)
+            add(SCMP_ACT_ERRNO(ENOSYS), call, {});
+        for (const RefusedArgument &refused : refusedArguments)
+            add(refusal, refused.call,
+                {{.arg = refused.argument,
+                  .op = SCMP_CMP_MASKED_EQ,
+                  .datum_a = refused.mask,
+                  .datum_b = refused.value}});
+        // Limits of other processes; 0 is the caller itself.
+        add(refusal, "prlimit64", {{.arg = 0, .op = SCMP_CMP_NE, .datum_a = 0, .datum_b = 0}});
+    }
+
+    // Empty when anything went wrong.
+    std::vector<sock_filter> program() const
+    {
+        if (!m_areWhole) return {};
+        const int file = ::memfd_create("filter", MFD_CLOEXEC);
+        if (file < 0) return {};
+        std::vector<sock_filter> program;
+        struct stat made = {};
+        if (::seccomp_export_bpf(m_context.get(), file) == 0 && ::fstat(file, &made) == 0) {
+            const auto bytes = static_cast<std::size_t>(made.st_size);
+            program.resize(bytes / sizeof(sock_filter));
+            if (::pread(file, program.data(), bytes, 0) != made.st_size) program.clear();
+        }
+        ::close(file);
+        return program;
+    }
+
+private:
+    static constexpr std::uint32_t refusal = SCMP_ACT_ERRNO(EPERM);
+
+    struct Release
+    {
+        void operator()(void *context) const { ::seccomp_release(context); }
+    };
+
+    // A tool may be a build for the smaller brother of this processor.
+    void addArchitecturesOfOtherBuilds()
+    {
+#if defined(__x86_64__)
+        addArchitecture(SCMP_ARCH_X86);
+#elif defined(__aarch64__)
+        addArchitecture(SCMP_ARCH_ARM);
+#endif
+    }
+
+    [[maybe_unused]] void addArchitecture(std::uint32_t architecture)
+    {
+        m_areWhole = m_areWhole && ::seccomp_arch_add(m_context.get(), architecture) == 0;
+    }
+
+    // The library knows the calls of the kernels of its time; what it has not heard of is left out.
+    void add(std::uint32_t action, const char *call, const std::vector<scmp_arg_cmp> &comparisons)
+    {
+        const int number = ::seccomp_syscall_resolve_name(call);
+        if (!m_areWhole || number == __NR_SCMP_ERROR) return;
+        m_areWhole =
+            ::seccomp_rule_add_array(m_context.get(), action, number,
+                                     static_cast<unsigned>(comparisons.size()), comparisons.data()) == 0;
+    }
+
+    std::unique_ptr<void, Release> m_context;
+    bool m_areWhole = false;
+};
+
+bool kernelFilters()
+{
+    const std::uint32_t action = SECCOMP_RET_ERRNO;
+    return ::syscall(SYS_seccomp, SECCOMP_GET_ACTION_AVAIL, 0, &action) == 0;
+}
+
+} // namespace
+
+const sock_fprog *systemCallFilter()
+{
+    static std::vector<sock_filter> program =
+        kernelFilters() ? Rules().program() : std::vector<sock_filter>();
+    static const sock_fprog filter{.len = static_cast<unsigned short>(program.size()),
+                                   .filter = program.data()};
+    return program.empty() ? nullptr : &filter;
+}
+
+} // namespace tessaly

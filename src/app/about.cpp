@@ -2,6 +2,7 @@
 #include "app/app_delegate.h"
 #include "platform/bundle.h"
 #include "platform/child_process.h"
+#include "platform/confinement.h"
 
 #include <QFileInfo>
 
@@ -36,7 +37,8 @@ void AppDelegate::showAbout()
 {
     if (isBusy()) return;
     const QStringList lines{tr("MIT License"), toolText(u"ffprobe"_s, u"sniffer"_s),
-                            toolText(u"ffmpeg"_s, u"creator"_s)};
+                            toolText(u"ffmpeg"_s, u"creator"_s),
+                            tr("Confinement of the tools: %1").arg(confinementInForce())};
     if (runsAreEnding()) return;
     showAlert(u"Tessaly "_s + QStringLiteral(TESSALY_VERSION), lines.join(u'\n'));
 }

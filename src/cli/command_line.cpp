@@ -1,5 +1,6 @@
 #include "cli/command_line.h"
 
+#include "platform/confinement.h"
 #include "platform/paths.h"
 
 #include <QCommandLineParser>
@@ -37,12 +38,17 @@ const QString usage =
     "  --quiet          no progress and no report\n"
     "  --verbose        diagnostics on standard error\n"
     "  --help           this text\n"
-    "  --version        the version\n"
+    "  --version        the version; with --verbose also how the tools are confined\n"
     "\n"
     "Ends with 0 when all is well, with 1 when a file is no valid media file, or when a resize failed\n"
     "or was refused, with 2 for wrong usage, and with 130 when it was cancelled.\n"_s;
 
 const QString versionLine = u"tessaly-cli " TESSALY_VERSION "\n"_s;
+
+QString confinementLine()
+{
+    return u"Confinement of the tools: "_s + confinementInForce() + u'\n';
+}
 
 // A word that is not UTF-8 cannot be told apart once it is a QString; a NUL, which no word can hold, marks
 // it.
@@ -186,7 +192,9 @@ Command readCommandLine(const QByteArrayList &words)
     if (command == "info"_L1) return readInfo(decodedWords);
     if (command == "resize"_L1) return readResize(decodedWords);
     if (command == "--help"_L1 || command == "-h"_L1) return ShowText{usage};
-    if (command == "--version"_L1) return ShowText{versionLine};
+    if (command == "--version"_L1)
+        return ShowText{versionLine +
+                        (decodedWords.contains(u"--verbose"_s) ? confinementLine() : QString())};
     return WrongUsage{u"There is no command \"%1\"."_s.arg(command)};
 }
 

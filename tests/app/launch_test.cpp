@@ -218,11 +218,12 @@ private Q_SLOTS:
         AppHarness::inEventLoop([&app] { app.find<QAction>("aboutBTN")->trigger(); });
         QTRY_VERIFY(app.alert());
         const QStringList lines = app.alertText().remove(QChar(0x200B)).split(u'\n');
-        QCOMPARE(lines.size(), 4);
+        QCOMPARE(lines.size(), 5);
         QVERIFY2(lines.at(0).startsWith("Tessaly 0."_L1), qPrintable(lines.at(0)));
         QCOMPARE(lines.at(1), u"MIT License"_s);
         QCOMPARE(lines.at(2), u"ffprobe: not found"_s);
         QVERIFY2(lines.at(3).startsWith("ffmpeg 9.9-a: /"_L1), qPrintable(lines.at(3)));
+        QCOMPARE(lines.at(4), u"Confinement of the tools: none"_s); // the fake ones'
     }
 
     void tabOrder()

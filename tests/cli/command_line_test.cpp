@@ -166,6 +166,7 @@ void CommandLineTest::text_data()
     row("help of the command, short", {"info", "/a", "-h"}, usage);
     row("help before the version", {"info", "--version", "--help"}, usage);
     row("version", {"--version"}, version);
+    row("version and confinement", {"--version", "--verbose"}, version + u"Confinement of the tools: "_s);
     row("version of the command", {"info", "--version"}, version);
 }
 

@@ -1,3 +1,4 @@
+#include "platform/confinement.h"
 #include "support/fake_tools.h"
 #include "support/test_case.h"
 #include "json/json.h"
@@ -139,6 +140,9 @@ void InfoProgramTest::version()
     QCOMPARE(result.exitCode, 0);
     QCOMPARE(result.output, QByteArray("tessaly-cli " TESSALY_VERSION "\n"));
     QCOMPARE(result.errors, QByteArray());
+    const Result verbose = run({u"--version"_s, u"--verbose"_s});
+    QCOMPARE(verbose.output,
+             result.output + "Confinement of the tools: " + confinementInForce().toUtf8() + '\n');
 }
 
 void InfoProgramTest::wrongUsageIsOneLine()

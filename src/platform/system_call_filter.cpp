@@ -85,7 +85,7 @@ class Rules
 public:
     Rules() : m_context(::seccomp_init(SCMP_ACT_ALLOW))
     {
-        m_areWhole = m_context && ::seccomp_attr_set(m_context.get(), SCMP_FLTATR_ACT_BADARCH, refusal) == 0;
+        m_isReady = m_context && ::seccomp_attr_set(m_context.get(), SCMP_FLTATR_ACT_BADARCH, refusal) == 0;
         addArchitecturesOfOtherBuilds();
         for (const char *call : refusedCalls)
             add(refusal, call, {});
@@ -104,7 +104,7 @@ public:
     // Empty when anything went wrong.
     std::vector<sock_filter> program() const
     {
-        if (!m_areWhole) return {};
+        if (!m_isReady) return {};
         const int file = ::memfd_create("filter", MFD_CLOEXEC);
         if (file < 0) return {};
         std::vector<sock_filter> program;
@@ -138,21 +138,20 @@ private:
 
     [[maybe_unused]] void addArchitecture(std::uint32_t architecture)
     {
-        m_areWhole = m_areWhole && ::seccomp_arch_add(m_context.get(), architecture) == 0;
+        m_isReady = m_isReady && ::seccomp_arch_add(m_context.get(), architecture) == 0;
     }
 
-    // The library knows the calls of the kernels of its time; what it has not heard of is left out.
+    // What the library has not heard of, or cannot tell for this processor, is left out.
     void add(std::uint32_t action, const char *call, const std::vector<scmp_arg_cmp> &comparisons)
     {
         const int number = ::seccomp_syscall_resolve_name(call);
-        if (!m_areWhole || number == __NR_SCMP_ERROR) return;
-        m_areWhole =
-            ::seccomp_rule_add_array(m_context.get(), action, number,
-                                     static_cast<unsigned>(comparisons.size()), comparisons.data()) == 0;
+        if (!m_isReady || number == __NR_SCMP_ERROR) return;
+        ::seccomp_rule_add_array(m_context.get(), action, number, static_cast<unsigned>(comparisons.size()),
+                                 comparisons.data());
     }
 
     std::unique_ptr<void, Release> m_context;
-    bool m_areWhole = false;
+    bool m_isReady = false;
 };
 
 bool kernelFilters()

@@ -1,5 +1,6 @@
 // tessaly-cli resize, run as people run it, with the real tools.
 #include "e2e/small_disk.h"
+#include "platform/landlock.h"
 #include "support/test_case.h"
 #include "support/unconfined.h"
 
@@ -18,6 +19,7 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr int patience = 30000; // milliseconds that a step may take on a busy machine
+constexpr int longestRun = 10 * tessaly::test::waitLimit;
 
 struct Result
 {
@@ -53,7 +55,7 @@ private:
         process.setWorkingDirectory(m_folder.path());
         process.setChildProcessModifier(setUp);
         process.start(program.isEmpty() ? m_program : program, QStringList{u"resize"_s} + words);
-        if (!process.waitForFinished(60000)) return {};
+        if (!process.waitForFinished(longestRun)) return {};
         return {process.exitCode(), QString::fromUtf8(process.readAllStandardOutput()),
                 QString::fromUtf8(process.readAllStandardError())};
     }
@@ -64,7 +66,7 @@ private:
         QProcess shell;
         shell.setWorkingDirectory(m_folder.path());
         shell.start(u"/bin/sh"_s, {u"-c"_s, line, m_program, m_media});
-        if (!shell.waitForFinished(60000)) return {};
+        if (!shell.waitForFinished(longestRun)) return {};
         return {shell.exitCode(), QString::fromUtf8(shell.readAllStandardOutput()),
                 QString::fromUtf8(shell.readAllStandardError())};
     }
@@ -388,6 +390,32 @@ private Q_SLOTS:
         QCOMPARE(result.exitCode, 0);
         QCOMPARE(result.error,
                  u"tessaly-cli: 1 error while reading the input: the picture may be damaged.\n"_s);
+    }
+
+    void theToolsWriteNowhereElse_data()
+    {
+        QTest::addColumn<QString>("tool");
+        QTest::addColumn<QString>("stray");
+        QTest::addColumn<bool>("isWritten");
+        QTest::newRow("prober") << u"sniffer"_s << u"out/stray"_s << false;
+        QTest::newRow("converter, outside") << u"creator"_s << u"stray"_s << false;
+        QTest::newRow("converter, beside its output") << u"creator"_s << u"out/stray"_s << true;
+    }
+
+    void theToolsWriteNowhereElse()
+    {
+        if (tessaly::landlockLevel() < 1) QSKIP("This kernel has no Landlock.");
+        QFETCH(QString, tool);
+        QFETCH(QString, stray);
+        QDir(m_folder.path()).mkpath(u"out"_s);
+        const QString program =
+            programWith(tool, "{ echo stray >" + stray.toUtf8() + "; } 2>/dev/null\nexec \"$real\" \"$@\"\n");
+        const Result result = run({m_media + u"plain.mp4"_s, u"-o"_s, u"out/small"_s, u"--width"_s, u"160"_s,
+                                   u"--quiet"_s, u"--force"_s},
+                                  program);
+        QCOMPARE(result.exitCode, 0);
+        QCOMPARE(sizeOf(path(u"out/small.mp4"_s)), u"160x90"_s);
+        QTEST(QFile::exists(path(stray)), "isWritten");
     }
 
     void interruptWhileTheNewFileIsCheckedCancels()

@@ -1,5 +1,6 @@
 #include "platform/confinement.h"
 
+#ifdef Q_OS_LINUX
 #include "platform/landlock.h"
 #include "platform/small_stack.h"
 #include "platform/system_call_filter.h"
@@ -12,10 +13,13 @@
 #include <sys/resource.h>
 #include <sys/syscall.h>
 #include <unistd.h>
+#endif
 
 using namespace Qt::StringLiterals;
 
 namespace tessaly {
+
+#ifdef Q_OS_LINUX
 
 namespace {
 
@@ -55,5 +59,18 @@ QString confinementInForce()
     if (systemCallFilter()) means += u"seccomp"_s;
     return isSwitchedOff() || means.isEmpty() ? u"none"_s : means.join(", "_L1);
 }
+
+#else
+
+Confinement::Confinement(const WritablePlaces &) : m_isOn(false) {}
+Confinement::~Confinement() = default;
+void Confinement::enter() const {}
+
+QString confinementInForce()
+{
+    return u"none"_s;
+}
+
+#endif
 
 } // namespace tessaly

@@ -3,6 +3,7 @@
 set -u
 export QT_QPA_PLATFORM=offscreen LC_ALL=C.UTF-8
 tried=$("$2" -datatags 2>/dev/null | sed -nE 's/^[^ ]+ refuses //p' | sort)
+# shellcheck disable=SC2016
 told=$(grep -oE '^\|[^|]*\| `[^`]+` \|' "$1" | sed -E 's/.*`(.*)`.*/\1/' | sort)
 [ -n "$tried" ] || { echo "the test has no attempts"; exit 1; }
 difference=$(diff <(echo "$told") <(echo "$tried")) || { echo "told (<) is not what is tried (>): $difference"; exit 1; }

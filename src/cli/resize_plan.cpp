@@ -159,16 +159,19 @@ std::optional<QString> outputRefusal(const ResizeCommand &command)
         return command.output.shown + u": the name is not valid UTF-8, so it cannot be used."_s;
     const std::optional<QString> refusal = folderRefusal(command.output);
     if (!refusal) return std::nullopt;
-    const QString reason = command.inputs.size() > 1 ? u"There are several inputs"_s
-                                                     : command.inputs.front().shown + u": Is a directory"_s;
-    return reason + u", so -o must name a folder: "_s + *refusal;
+    if (command.inputs.size() > 1)
+        return u"There are several inputs, so -o must name a folder: "_s + *refusal;
+    if (!isFolder(command.inputs.front())) return refusal;
+    return command.inputs.front().shown + u": Is a directory, so -o must name a folder: "_s + *refusal;
 }
 
 } // namespace
 
+// A slash at the end says folder, too: a shell's pattern may match a single file.
 ResizePlan planOf(const ResizeCommand &command)
 {
-    if (command.inputs.size() == 1 && !isFolder(command.inputs.front()))
+    const bool isOneFile = command.inputs.size() == 1 && !isFolder(command.inputs.front());
+    if (isOneFile && !command.output.shown.endsWith(u'/'))
         return {.files = {{.input = command.inputs.front(), .output = command.output}}};
     ResizePlan plan{.isOfMany = true};
     if (const auto refusal = outputRefusal(command)) {

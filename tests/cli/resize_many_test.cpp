@@ -152,6 +152,13 @@ private Q_SLOTS:
         QCOMPARE(filesIn(u"small"_s), (QStringList{u"a.mp4"_s, u"b.mp4"_s}));
     }
 
+    void aSlashAtTheEndMeansAFolderForOneVideo()
+    {
+        const Result result = run({u"clips/a.mkv"_s, u"-o"_s, u"small/"_s, u"--scale"_s, u"50%"_s});
+        QVERIFY2(result.exitCode == 0, qPrintable(result.error));
+        QCOMPARE(filesIn(u"small"_s), QStringList{u"a.mp4"_s});
+    }
+
     void whatIsSkippedIsNoFailure()
     {
         QVERIFY(QFile::remove(path(u"clips/damaged.mov"_s)));

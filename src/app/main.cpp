@@ -3,6 +3,7 @@
 #include "platform/temporary_directory.h"
 #include "platform/termination_watch.h"
 #include "platform/utf8_locale.h"
+#include "ui/sheets_in_front.h"
 #include "ui/unmanaged_focus.h"
 #include "ui/window_memory.h"
 
@@ -18,6 +19,7 @@ int main(int argc, char *argv[])
 
     const std::unique_ptr<QApplication> application = startApplication(argc, argv);
     const UnmanagedFocus focus;
+    const SheetsInFront sheets;
     MainWindow window;
     AppDelegate delegate;
     delegate.connectTo(&window);

@@ -2,6 +2,7 @@
 
 #include "platform/main_queue.h"
 #include "ui/sheet_shield.h"
+#include "ui/sheets_in_front.h"
 
 #include <QAbstractButton>
 #include <QBoxLayout>
@@ -157,12 +158,10 @@ int responseOf(const QMessageBox *box)
 // A desktop may give the focus to the window now, though another sheet still lies over it.
 void activateTopSheet(const QWidget *window)
 {
-    const QList<QDialog *> sheets = window->findChildren<QDialog *>(QString(), Qt::FindDirectChildrenOnly);
-    const auto top =
-        std::find_if(sheets.rbegin(), sheets.rend(), [](QDialog *sheet) { return sheet->isVisible(); });
-    if (top == sheets.rend()) return;
-    (*top)->raise();
-    (*top)->activateWindow();
+    QDialog *top = topSheetOn(window);
+    if (!top) return;
+    top->raise();
+    top->activateWindow();
 }
 
 } // namespace

@@ -1,0 +1,62 @@
+#include "ui/sheets_in_front.h"
+
+#include <QApplication>
+#include <QDialog>
+#include <QTimer>
+
+#include <algorithm>
+
+namespace tessaly {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr int patience = 300; // milliseconds; for the desktop's answer
+
+QDialog *newestSheetOf(const QWidget *window)
+{
+    const QList<QDialog *> sheets = window->findChildren<QDialog *>(QString(), Qt::FindDirectChildrenOnly);
+    const auto newest = std::find_if(sheets.rbegin(), sheets.rend(), [](const QDialog *sheet) {
+        return sheet->isVisible() && !sheet->testAttribute(Qt::WA_DontShowOnScreen);
+    });
+    return newest == sheets.rend() ? nullptr : *newest;
+}
+
+// A dialog that is hidden forgets that it is modal.
+void showAnew(QDialog *sheet)
+{
+    const Qt::WindowModality modality = sheet->windowModality();
+    sheet->hide();
+    sheet->setWindowModality(modality);
+    sheet->show();
+}
+
+} // namespace
+
+QDialog *topSheetOn(const QWidget *window)
+{
+    QDialog *top = nullptr;
+    while (QDialog *sheet = window ? newestSheetOf(window) : nullptr)
+        window = top = sheet;
+    return top;
+}
+
+SheetsInFront::SheetsInFront()
+{
+    if (!QGuiApplication::platformName().startsWith("wayland"_L1)) return;
+    // Which widget is active is known a moment later.
+    connect(qApp, &QGuiApplication::focusWindowChanged, this, &SheetsInFront::follow, Qt::QueuedConnection);
+}
+
+void SheetsInFront::follow()
+{
+    QDialog *sheet = topSheetOn(QApplication::activeWindow());
+    if (!sheet) return;
+    sheet->activateWindow();
+    QTimer::singleShot(patience, sheet, [sheet] {
+        if (topSheetOn(QApplication::activeWindow()) == sheet) showAnew(sheet);
+    });
+}
+
+} // namespace tessaly

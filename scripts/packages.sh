@@ -15,7 +15,7 @@ icon_plugin=qt6-svg-plugins # Debian 12 has it in the library's own package
 if grep -qsx 'VERSION_CODENAME=bookworm' /etc/os-release; then icon_plugin=libqt6svg6; fi
 run_packages="$icon_plugin qt6-qpa-plugins"
 test_packages="xvfb xdotool dbus-daemon at-spi2-core locales fonts-dejavu-core desktop-file-utils appstream mandoc parallel rsync
-    qt6-xdgdesktopportal-platformtheme"
+    x11-utils openbox sway qt6-wayland qt6-xdgdesktopportal-platformtheme"
 fuzz_packages="clang libclang-rt-dev"
 lint_packages="clang clang-format clang-tidy shellcheck"
 

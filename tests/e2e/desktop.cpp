@@ -5,7 +5,14 @@
 
 #include <QDBusMessage>
 #include <QDir>
+#include <QFile>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QStandardPaths>
+
+#include <algorithm>
+#include <unistd.h>
 
 namespace tessaly::e2e {
 
@@ -31,14 +38,44 @@ QString startServer(QProcess &server, const QString &program, const QStringList 
     return QString::fromUtf8(server.readLine()).trimmed();
 }
 
+// Pointer and keyboard as on a display without a manager, and a place that is known for the source of drags.
+constexpr auto swayConfig = R"(xwayland disable
+default_border none
+focus_follows_mouse no
+mouse_warping none
+output * mode 1280x900
+for_window [title="^Drag source$"] floating enable, move absolute position 1000 700
+exec echo $WAYLAND_DISPLAY
+)";
+
+// Of a node and those below it; sway lists the floating ones, which lie in front, from back to front.
+void addWindows(const QJsonObject &node, QList<ManagedWindow> &windows)
+{
+    if (node.contains("pid"_L1)) {
+        const QJsonObject rect = node["rect"_L1].toObject();
+        windows << ManagedWindow{.id = node["id"_L1].toInteger(),
+                                 .process = node["pid"_L1].toInteger(),
+                                 .title = node["name"_L1].toString(),
+                                 .place = QRect(rect["x"_L1].toInt(), rect["y"_L1].toInt(),
+                                                rect["width"_L1].toInt(), rect["height"_L1].toInt()),
+                                 .hasKeyboard = node["focused"_L1].toBool()};
+    }
+    for (const auto children : {"nodes"_L1, "floating_nodes"_L1}) {
+        const QJsonArray below = node[children].toArray();
+        for (const QJsonValue &child : below)
+            addWindows(child.toObject(), windows);
+    }
+}
+
 } // namespace
 
 // The folder's name is short: addresses of sockets inside it have little room.
-Desktop::Desktop() : m_root(u"/tmp/e2e-XXXXXX"_s)
+Desktop::Desktop(WindowManager manager) : m_manager(manager), m_root(u"/tmp/e2e-XXXXXX"_s)
 {
     adoptOrphans();
     makeFolders();
     startDisplay();
+    if (m_problem.isEmpty()) startManager();
     if (m_problem.isEmpty()) startBuses();
 }
 
@@ -47,6 +84,7 @@ Desktop::~Desktop()
     QDBusConnection::disconnectFromBus(accessibilityConnection);
     QDBusConnection::disconnectFromBus(sessionConnection);
     endProcess(m_sessionBus);
+    endProcess(m_windowManager);
     endProcess(m_display);
     killProcessesBelowTest();
 }
@@ -84,6 +122,49 @@ void Desktop::startDisplay()
     m_environment.insert(u"DISPLAY"_s, u":"_s + number);
 }
 
+void Desktop::startManager()
+{
+    if (m_manager == WindowManager::sway) startSway();
+    if (m_manager != WindowManager::openbox) return;
+    m_windowManager.setProcessEnvironment(m_environment);
+    const QString told =
+        startServer(m_windowManager, u"openbox"_s, {u"--sm-disable"_s, u"--startup"_s, u"echo up"_s});
+    if (told.isEmpty()) m_problem = u"openbox did not start"_s;
+}
+
+// Some versions refuse to run for root; for another user everything has to be in a folder of that user's own.
+void Desktop::startSway()
+{
+    constexpr uint nobody = 65534;
+    const QString folder = m_root.filePath(u"sway"_s);
+    const QString configuration = folder + u"/config"_s;
+    QDir().mkpath(folder);
+    QFile file(configuration);
+    const bool isWritten = file.open(QFile::WriteOnly) && file.write(swayConfig) > 0;
+    file.close();
+    QFile::setPermissions(folder, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    QStringList command{u"sway"_s, u"--config"_s, configuration};
+    if (::geteuid() == 0) {
+        const QString user = QString::number(nobody);
+        command = QStringList{u"setpriv"_s,        u"--reuid"_s,     user,        u"--regid"_s, user,
+                              u"--clear-groups"_s, u"--pdeathsig"_s, u"SIGTERM"_s} +
+                  command;
+        QFile::setPermissions(m_root.path(), QFile::permissions(m_root.path()) | QFile::ExeOther);
+        if (::chown(QFile::encodeName(folder).constData(), nobody, nobody) != 0)
+            m_problem = u"sway gets no folder"_s;
+    }
+    m_environment.insert(u"SWAYSOCK"_s, folder + u"/ipc"_s);
+    QProcessEnvironment environment = m_environment;
+    environment.insert(u"XDG_RUNTIME_DIR"_s, folder);
+    environment.insert(u"WLR_BACKENDS"_s, u"x11"_s);
+    environment.insert(u"WLR_RENDERER"_s, u"pixman"_s);
+    m_windowManager.setProcessEnvironment(environment);
+    const QString socket = startServer(m_windowManager, command.takeFirst(), command);
+    if (m_problem.isEmpty() && (!isWritten || socket.isEmpty())) m_problem = u"sway did not start"_s;
+    m_environment.insert(u"WAYLAND_DISPLAY"_s, folder + u'/' + socket);
+    m_environment.insert(u"QT_QPA_PLATFORM"_s, u"wayland"_s);
+}
+
 void Desktop::startBuses()
 {
     m_sessionBus.setProcessEnvironment(m_environment);
@@ -115,14 +196,49 @@ QString Desktop::filesFolder() const
     return m_root.filePath(u"files"_s);
 }
 
-std::optional<QString> Desktop::xdotool(const QStringList &words) const
+std::optional<QString> Desktop::ask(const QString &program, const QStringList &words) const
 {
     QProcess tool;
     tool.setProcessEnvironment(m_environment);
-    tool.start(u"xdotool"_s, words);
+    tool.start(program, words);
     const bool isDone = tool.waitForFinished(toolTime) && tool.exitStatus() == QProcess::NormalExit;
     if (!isDone || tool.exitCode() != 0) return std::nullopt;
     return QString::fromUtf8(tool.readAllStandardOutput()).trimmed();
+}
+
+std::optional<QString> Desktop::xdotool(const QStringList &words) const
+{
+    return ask(u"xdotool"_s, words);
+}
+
+QList<ManagedWindow> Desktop::windowsOnSway() const
+{
+    QList<ManagedWindow> windows;
+    const QByteArray tree =
+        ask(u"swaymsg"_s, {u"--type"_s, u"get_tree"_s, u"--raw"_s}).value_or(QString()).toUtf8();
+    addWindows(QJsonDocument::fromJson(tree).object(), windows);
+    return windows;
+}
+
+QPoint Desktop::originOf(qint64 process) const
+{
+    QPoint origin;
+    const QList<ManagedWindow> windows =
+        m_manager == WindowManager::sway ? windowsOnSway() : QList<ManagedWindow>();
+    for (const ManagedWindow &window : windows) {
+        if (window.process == process) origin = window.place.topLeft();
+    }
+    return origin;
+}
+
+bool Desktop::hasKeyboard(qint64 process) const
+{
+    if (m_manager != WindowManager::sway)
+        return xdotool({u"getwindowfocus"_s, u"-f"_s, u"getwindowpid"_s}) == QString::number(process);
+    const QList<ManagedWindow> windows = windowsOnSway();
+    return std::any_of(windows.begin(), windows.end(), [process](const ManagedWindow &window) {
+        return window.hasKeyboard && window.process == process;
+    });
 }
 
 void Desktop::savePicture(const QString &path) const

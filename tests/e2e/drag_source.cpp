@@ -1,8 +1,8 @@
 // A window that offers a drag: drag_source [--offer=copy,move,link] [--text TEXT | FILE…]. Without an offer
 // it offers a copy; of several it wants the last. Like a file manager it deletes the files when the target
-// reports that they were moved. On standard output it says "ready", "over ACTION" when
-// the target's answer changes, and "done ACTION" at the end; then it lives on, since a target may ask for the
-// data as late as that.
+// reports that they were moved. On standard output it says "ready", "entered" when the mouse comes first,
+// "over ACTION" when the target's answer changes, and "done ACTION" at the end; then it lives on, since a
+// target may ask for the data as late as that.
 #include <QApplication>
 #include <QDrag>
 #include <QFile>
@@ -11,6 +11,8 @@
 #include <QTextStream>
 #include <QUrl>
 #include <QWidget>
+
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -52,6 +54,11 @@ public:
     }
 
 protected:
+    void enterEvent(QEnterEvent *) override
+    {
+        if (!std::exchange(m_isEntered, true)) say(u"entered"_s);
+    }
+
     void mousePressEvent(QMouseEvent *event) override { m_pressedAt = event->position().toPoint(); }
 
     void mouseMoveEvent(QMouseEvent *event) override
@@ -100,6 +107,7 @@ private:
     bool m_isText;
     QStringList m_items;
     QPoint m_pressedAt;
+    bool m_isEntered = false;
 };
 
 } // namespace

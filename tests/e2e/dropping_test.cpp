@@ -1,4 +1,5 @@
 // Real drags from a second process.
+#include "e2e/dragging.h"
 #include "e2e/end_to_end_case.h"
 #include "e2e/media_facts.h"
 #include "e2e/tasks.h"
@@ -7,14 +8,6 @@
 using namespace Qt::StringLiterals;
 using namespace tessaly::e2e;
 using tessaly::test::seen;
-using tessaly::test::waitLimit;
-
-struct Place
-{
-    Role role;
-    QString name;
-};
-Q_DECLARE_METATYPE(Place)
 
 class DroppingTest : public EndToEndCase
 {
@@ -31,82 +24,13 @@ private Q_SLOTS:
     void takesAFileUnderAnAlert();
     void showsNamesLiterally_data();
     void showsNamesLiterally();
-
-private:
-    bool drag(Program &source, const Program &target, const Place &place, const QString &answer);
-    bool enter(const QPoint &to, const QPoint &home, Program &source, const QString &answer);
-    bool restOn(const QPoint &to, const Program &target);
 };
 
 namespace {
 
 const Place hint{Role::label, u"Drop a video here, or press Ctrl+O to open one"_s};
 
-QStringList at(const QPoint &point)
-{
-    return {u"mousemove"_s, QString::number(point.x()), QString::number(point.y())};
-}
-
-// What the target under the mouse would do, as far as the source has heard.
-QString answerOf(Program &source)
-{
-    return source.standardOutput().section("over "_L1, -1).trimmed();
-}
-
 } // namespace
-
-// A drag as a hand makes it: it starts slowly, goes over the lower edge of the window, and is let go on the
-// target.
-bool DroppingTest::drag(Program &source, const Program &target, const Place &place, const QString &answer)
-{
-    const auto isReady = [&] {
-        return source.standardOutput().contains("ready"_L1) && source.shows(Role::filler);
-    };
-    if (!QTest::qWaitFor(isReady, waitLimit)) return false;
-    const std::optional<Control> start = source.find(Role::filler);
-    const std::optional<Control> window = target.find(Role::frame);
-    const std::optional<Control> goal = target.find(place.role, place.name);
-    if (!start || !window || !goal) return false;
-    const QPoint from = start->extents().center();
-    const QPoint edge = window->extents().bottomLeft() + QPoint(40, -6);
-    const QPoint to = goal->extents().center();
-
-    desktop().xdotool(at(from) + QStringList{u"mousedown"_s, u"1"_s});
-    for (int step = 1; step <= 5; ++step)
-        desktop().xdotool(at(from - QPoint(4 * step, 0)));
-    for (int step = 1; step <= 12; ++step)
-        desktop().xdotool(at(from + (edge - from) * step / 12));
-    const bool isAnswered = answer == "nothing"_L1 ? restOn(to, target) : enter(to, from, source, answer);
-    desktop().xdotool({u"mouseup"_s, u"1"_s});
-    return isAnswered &&
-           QTest::qWaitFor([&] { return source.standardOutput().contains(u"done "_s + answer); }, waitLimit);
-}
-
-// A target answers late, so a "copy" may still be the answer to an earlier place. Each wait here is for what
-// only the last movement can have brought about: over the edge a first "copy", over the source itself, which
-// takes nothing, the end of it, and over the goal a second one.
-bool DroppingTest::enter(const QPoint &to, const QPoint &home, Program &source, const QString &answer)
-{
-    const auto waitFor = [&](const QString &awaited) {
-        return QTest::qWaitFor([&] { return answerOf(source) == awaited; }, waitLimit);
-    };
-    if (!waitFor(answer)) return false;
-    desktop().xdotool(at(home));
-    if (!waitFor(u"nothing"_s)) return false;
-    desktop().xdotool(at(to));
-    return waitFor(answer);
-}
-
-// The source does not hear of a refusal; the target gets the time for many answers.
-bool DroppingTest::restOn(const QPoint &to, const Program &target)
-{
-    bool isAlive = true;
-    for (int rests = 0; rests < 15; ++rests) {
-        desktop().xdotool(at(to + QPoint(rests % 2, 0)));
-        isAlive = isAlive && target.shows(Role::frame);
-    }
-    return isAlive;
-}
 
 void DroppingTest::opensTheFirstFile_data()
 {
@@ -121,7 +45,7 @@ void DroppingTest::opensTheFirstFile()
     QFETCH(QStringList, files);
     Program &tessaly = launch();
     Program &source = start(u"../tests/bin/drag_source"_s, {.arguments = files});
-    QVERIFY(drag(source, tessaly, hint, u"copy"_s));
+    QVERIFY(drag(desktop(), source, tessaly, hint, u"copy"_s));
     QTRY_VERIFY_WITH_TIMEOUT(tessaly.shows(Role::label, u"Input: 640 x 360"_s), workTime);
     seen(u"source told: %1; opened: %2; %3 frames"_s
              .arg(answerOf(source).section(u'\n', -1), tessaly.find(Role::frame)->name())
@@ -144,7 +68,7 @@ void DroppingTest::takesNothingElse()
     QFETCH(QStringList, arguments);
     Program &tessaly = launch();
     Program &source = start(u"../tests/bin/drag_source"_s, {.arguments = arguments});
-    QVERIFY(drag(source, tessaly, hint, u"nothing"_s));
+    QVERIFY(drag(desktop(), source, tessaly, hint, u"nothing"_s));
     // The window answers to what comes next, and to nothing before. The press on the source took the
     // keyboard.
     QVERIFY(tessaly.click(Role::image, u"Poster frame"_s));
@@ -188,7 +112,7 @@ void DroppingTest::takesAFileEverywhereAndNeverMovesIt()
     Program &tessaly = launch();
     QVERIFY(openVideo(tessaly, clip(u"plain.mp4"_s), u"640 x 360"_s));
     Program &source = start(u"../tests/bin/drag_source"_s, {.arguments = {u"--offer="_s + offer, path}});
-    QVERIFY(drag(source, tessaly, place, answer));
+    QVERIFY(drag(desktop(), source, tessaly, place, answer));
     const bool isTaken = answer == "copy"_L1;
     const QString label = isTaken ? u"Input: 1920 x 1080"_s : u"Input: 640 x 360"_s;
     QTRY_VERIFY_WITH_TIMEOUT(tessaly.shows(Role::label, label) && tessaly.isEnabled(Role::button, u"Save"_s),
@@ -202,17 +126,24 @@ void DroppingTest::takesAFileEverywhereAndNeverMovesIt()
 
 void DroppingTest::takesAFileUnderAnAlert_data()
 {
+    QTest::addColumn<WindowManager>("manager");
     QTest::addColumn<bool>("refusal");
     QTest::addColumn<Place>("place");
-    QTest::newRow("a refusal, onto the window") << true << Place{Role::button, u"Help"_s};
-    QTest::newRow("a refusal, onto the alert") << true << Place{Role::button, u"OK"_s};
-    QTest::newRow("help, onto the window") << false << Place{Role::button, u"Help"_s};
+    const Place window{Role::button, u"Help"_s};
+    const Place alert{Role::button, u"OK"_s};
+    QTest::newRow("a refusal, onto the window") << WindowManager::none << true << window;
+    QTest::newRow("a refusal, onto the alert") << WindowManager::none << true << alert;
+    QTest::newRow("help, onto the window") << WindowManager::none << false << window;
+    QTest::newRow("managed: a refusal, onto the window") << WindowManager::openbox << true << window;
+    QTest::newRow("managed: a refusal, onto the alert") << WindowManager::openbox << true << alert;
 }
 
 void DroppingTest::takesAFileUnderAnAlert()
 {
+    QFETCH(WindowManager, manager);
     QFETCH(bool, refusal);
     QFETCH(Place, place);
+    letManageWindows(manager);
     Program &tessaly = launch();
     if (refusal)
         QVERIFY(chooseVideo(tessaly, clip(u"sound.m4a"_s)));
@@ -220,7 +151,7 @@ void DroppingTest::takesAFileUnderAnAlert()
         QVERIFY(tessaly.press({u"F1"_s}));
     QVERIFY(!waitForAlert(tessaly).isEmpty());
     Program &source = start(u"../tests/bin/drag_source"_s, {.arguments = {clip(u"plain.mp4"_s)}});
-    QVERIFY(drag(source, tessaly, place, u"copy"_s));
+    QVERIFY(drag(desktop(), source, tessaly, place, u"copy"_s));
     QTRY_VERIFY_WITH_TIMEOUT(tessaly.shows(Role::label, u"Input: 640 x 360"_s), workTime);
     seen(u"source told: %1; %2"_s.arg(answerOf(source).section(u'\n', -1), tessaly.shows(Role::alert)
                                                                                ? u"the alert is still up"_s
@@ -244,7 +175,7 @@ void DroppingTest::showsNamesLiterally()
     const QString path = copyOfClip(u"plain.mp4"_s, name);
     Program &tessaly = launch();
     Program &source = start(u"../tests/bin/drag_source"_s, {.arguments = {path}});
-    QVERIFY(drag(source, tessaly, hint, u"copy"_s));
+    QVERIFY(drag(desktop(), source, tessaly, hint, u"copy"_s));
     QTRY_VERIFY_WITH_TIMEOUT(tessaly.shows(Role::label, u"Input: 640 x 360"_s), workTime);
     QTRY_VERIFY2(tessaly.shows(Role::frame, name + u" — Tessaly"_s),
                  qPrintable(tessaly.find(Role::frame)->name()));

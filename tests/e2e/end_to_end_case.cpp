@@ -23,7 +23,7 @@ QStringList filesBelow(const QString &folder, const QStringList &patterns)
 Desktop &EndToEndCase::desktop()
 {
     if (!m_desktop) {
-        m_desktop = std::make_unique<Desktop>();
+        m_desktop = std::make_unique<Desktop>(m_manager);
         if (!m_desktop->problem().isEmpty()) qFatal("No desktop: %s", qUtf8Printable(m_desktop->problem()));
     }
     return *m_desktop;
@@ -82,6 +82,7 @@ void EndToEndCase::cleanup()
     }
     m_programs.clear();
     m_desktop.reset();
+    m_manager = WindowManager::none;
 }
 
 } // namespace tessaly::e2e

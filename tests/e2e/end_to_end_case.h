@@ -18,6 +18,8 @@ class EndToEndCase : public test::TestCase
 
 protected:
     Desktop &desktop();
+    // For the desktop of this test function, before its first use; else nobody manages the windows.
+    void letManageWindows(WindowManager manager) { m_manager = manager; }
 
     // Starts a program of the build folder.
     Program &start(const QString &name, const ProgramOptions &options = {});
@@ -39,6 +41,7 @@ private Q_SLOTS:
     void cleanup();
 
 private:
+    WindowManager m_manager = WindowManager::none;
     std::unique_ptr<Desktop> m_desktop;
     std::vector<std::unique_ptr<Program>> m_programs; // newest last
 };

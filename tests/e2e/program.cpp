@@ -133,7 +133,7 @@ bool Program::click(Role role, const QString &name)
     if (!QTest::qWaitFor([&] { return isEnabled(role, name); }, test::waitLimit)) return false;
     const std::optional<Control> control = find(role, name);
     if (!control) return false;
-    const QPoint middle = control->extents().center();
+    const QPoint middle = m_desktop.originOf(id()) + control->extents().center();
     return m_desktop
         .xdotool(
             {u"mousemove"_s, QString::number(middle.x()), QString::number(middle.y()), u"click"_s, u"1"_s})
@@ -167,11 +167,7 @@ bool Program::waitForFocus(Role role, const QString &name)
 
 bool Program::hasKeyboard() const
 {
-    const QString ownId = QString::number(id());
-    const auto isFocused = [&] {
-        return m_desktop.xdotool({u"getwindowfocus"_s, u"-f"_s, u"getwindowpid"_s}) == ownId;
-    };
-    return QTest::qWaitFor(isFocused, test::waitLimit);
+    return QTest::qWaitFor([this] { return m_desktop.hasKeyboard(id()); }, test::waitLimit);
 }
 
 } // namespace tessaly::e2e

@@ -54,7 +54,6 @@ public:
 
 private:
     std::optional<Control> root() const;
-    // Nobody gives it to the program but itself: there is no window manager.
     bool hasKeyboard() const;
 
     Desktop &m_desktop;

@@ -1,0 +1,82 @@
+#include "e2e/dragging.h"
+
+#include "e2e/desktop.h"
+#include "support/test_case.h"
+
+namespace tessaly::e2e {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+QStringList at(const QPoint &point)
+{
+    return {u"mousemove"_s, QString::number(point.x()), QString::number(point.y())};
+}
+
+// A target answers late, so a "copy" may still be the answer to an earlier place. Each wait here is for what
+// only the last movement can have brought about: over the edge a first "copy", over the source itself, which
+// takes nothing, the end of it, and over the goal a second one.
+bool enter(const Desktop &desktop, const QPoint &to, const QPoint &home, Program &source,
+           const QString &answer)
+{
+    const auto waitFor = [&](const QString &awaited) {
+        return QTest::qWaitFor([&] { return answerOf(source) == awaited; }, test::waitLimit);
+    };
+    if (!waitFor(answer)) return false;
+    desktop.xdotool(at(home));
+    if (!waitFor(u"nothing"_s)) return false;
+    desktop.xdotool(at(to));
+    return waitFor(answer);
+}
+
+// The source does not hear of a refusal; the target gets the time for many answers.
+bool restOn(const Desktop &desktop, const QPoint &to, const Program &target)
+{
+    bool isAlive = true;
+    for (int rests = 0; rests < 15; ++rests) {
+        desktop.xdotool(at(to + QPoint(rests % 2, 0)));
+        isAlive = isAlive && target.shows(Role::frame);
+    }
+    return isAlive;
+}
+
+} // namespace
+
+bool drag(const Desktop &desktop, Program &source, const Program &target, const Place &place,
+          const QString &answer)
+{
+    const auto isReady = [&] {
+        return source.standardOutput().contains("ready"_L1) && source.shows(Role::filler);
+    };
+    if (!QTest::qWaitFor(isReady, test::waitLimit)) return false;
+    const std::optional<Control> start = source.find(Role::filler);
+    const std::optional<Control> window = target.find(Role::frame);
+    const std::optional<Control> goal = target.find(place.role, place.name);
+    if (!start || !window || !goal) return false;
+    const QPoint from = desktop.originOf(source.id()) + start->extents().center();
+    const QPoint origin = desktop.originOf(target.id());
+    const QPoint edge = origin + window->extents().bottomLeft() + QPoint(40, -6);
+    const QPoint to = origin + goal->extents().center();
+
+    desktop.xdotool(at(from));
+    const auto isEntered = [&] { return source.standardOutput().contains("entered"_L1); };
+    if (!QTest::qWaitFor(isEntered, test::waitLimit)) return false;
+    desktop.xdotool({u"mousedown"_s, u"1"_s});
+    for (int step = 1; step <= 5; ++step)
+        desktop.xdotool(at(from - QPoint(4 * step, 0)));
+    for (int step = 1; step <= 12; ++step)
+        desktop.xdotool(at(from + (edge - from) * step / 12));
+    const bool isAnswered =
+        answer == "nothing"_L1 ? restOn(desktop, to, target) : enter(desktop, to, from, source, answer);
+    desktop.xdotool({u"mouseup"_s, u"1"_s});
+    const auto isDone = [&] { return source.standardOutput().contains(u"done "_s + answer); };
+    return isAnswered && QTest::qWaitFor(isDone, test::waitLimit);
+}
+
+QString answerOf(Program &source)
+{
+    return source.standardOutput().section("over "_L1, -1).trimmed();
+}
+
+} // namespace tessaly::e2e

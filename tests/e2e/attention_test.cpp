@@ -21,6 +21,7 @@ private:
     // The window that a program has on the screen, when it is one.
     QString windowOf(const Program &program);
     bool activate(const Program &program);
+    bool sheetHasKeyboard();
     bool isInFront(const Program &program);
     bool asksForAttention(const Program &program);
 };
@@ -40,6 +41,17 @@ bool AttentionTest::activate(const Program &program)
                },
                waitLimit) &&
            QTest::qWaitFor([&] { return desktop().hasKeyboard(program.id()); }, waitLimit);
+}
+
+bool AttentionTest::sheetHasKeyboard()
+{
+    const auto isSheet = [this] {
+        return desktop()
+            .xdotool({u"getwindowfocus"_s, u"-f"_s, u"getwindowname"_s})
+            .value_or(QString())
+            .startsWith("Resizing Video..."_L1);
+    };
+    return QTest::qWaitFor(isSheet, waitLimit);
 }
 
 bool AttentionTest::isInFront(const Program &program)
@@ -76,6 +88,7 @@ void AttentionTest::theReportWaitsForTheWindow()
     QVERIFY(setPercent(tessaly, 10)); // soon done
     QVERIFY(chooseOutput(tessaly, output));
     QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(output) && suspendConverter(), workTime);
+    QVERIFY(sheetHasKeyboard()); // later it would take the keyboard from the other program
     Program &typewriter = start(u"../tests/bin/typewriter"_s);
     QVERIFY(activate(typewriter));
     QVERIFY(typewriter.press({u"a"_s}));
@@ -85,7 +98,7 @@ void AttentionTest::theReportWaitsForTheWindow()
         ::kill(static_cast<pid_t>(runningMediaTools().constFirst().id), SIGKILL);
     else
         resumeConverters();
-    QTRY_VERIFY_WITH_TIMEOUT(asksForAttention(tessaly), workTime);
+    QVERIFY(QTest::qWaitFor([&] { return asksForAttention(tessaly); }, workTime));
     QVERIFY(isInFront(typewriter));
     QVERIFY(typewriter.press({u"space"_s, u"b"_s}));
     QTRY_COMPARE(typewriter.standardOutput(), u"a b"_s);

@@ -7,6 +7,7 @@
 
 using namespace Qt::StringLiterals;
 using namespace tessaly::e2e;
+using tessaly::test::waitLimit;
 
 class WaylandTest : public EndToEndCase
 {
@@ -19,12 +20,21 @@ private Q_SLOTS:
     void cancels();
     void leavesNoSheetUnderItsWindow_data();
     void leavesNoSheetUnderItsWindow();
+
+private:
+    // So many come to be on the desktop.
+    bool hasWindows(qsizetype count);
 };
 
 void WaylandTest::init()
 {
     EndToEndCase::init();
     letManageWindows(WindowManager::sway);
+}
+
+bool WaylandTest::hasWindows(qsizetype count)
+{
+    return QTest::qWaitFor([&] { return desktop().windowsOnSway().size() == count; }, waitLimit);
 }
 
 void WaylandTest::opensAndSaves()
@@ -47,7 +57,7 @@ void WaylandTest::opensADroppedFile()
 {
     Program &tessaly = launch();
     Program &source = start(u"../tests/bin/drag_source"_s, {.arguments = {clip(u"plain.mp4"_s)}});
-    QTRY_COMPARE(desktop().windowsOnSway().size(), 2); // there it has its place
+    QVERIFY(hasWindows(2)); // there it has its place
     const Place poster{Role::filler, u"Poster frame"_s};
     QVERIFY(drag(desktop(), source, tessaly, poster, u"copy"_s));
     QTRY_VERIFY_WITH_TIMEOUT(tessaly.shows(Role::label, u"Input: 640 x 360"_s), workTime);
@@ -84,7 +94,7 @@ void WaylandTest::leavesNoSheetUnderItsWindow()
     QFETCH(QString, title);
     Program &tessaly = launch();
     const auto windows = [this] { return desktop().windowsOnSway(); };
-    QTRY_COMPARE(windows().size(), 1);
+    QVERIFY(hasWindows(1));
     const qint64 window = windows().constFirst().id;
     const QString criteria = u"[con_id=%1]"_s.arg(window);
     QVERIFY(desktop().ask(u"swaymsg"_s, {criteria, u"floating"_s, u"enable"_s}));
@@ -94,15 +104,15 @@ void WaylandTest::leavesNoSheetUnderItsWindow()
         return all.size() == 2 && all.constFirst().id == window && all.last().title == title &&
                all.last().hasKeyboard;
     };
-    QTRY_VERIFY(isSheetInFront());
+    QVERIFY(QTest::qWaitFor(isSheetInFront, waitLimit));
 
     const QPoint corner = windows().constFirst().place.topLeft() + QPoint(5, 120);
     for (const QString &step :
          {u"set %1 %2"_s.arg(corner.x()).arg(corner.y()), u"press button1"_s, u"release button1"_s})
         QVERIFY(desktop().ask(u"swaymsg"_s, u"seat - cursor "_s.append(step).split(u' ')));
-    QTRY_VERIFY(isSheetInFront());
+    QVERIFY(QTest::qWaitFor(isSheetInFront, waitLimit));
     QVERIFY(tessaly.press({u"Escape"_s}));
-    QTRY_COMPARE(windows().size(), 1);
+    QVERIFY(hasWindows(1));
 }
 
 TESSALY_TEST_MAIN(WaylandTest)

@@ -58,7 +58,7 @@ void WaylandTest::opensADroppedFile()
     Program &tessaly = launch();
     Program &source = start(u"../tests/bin/drag_source"_s, {.arguments = {clip(u"plain.mp4"_s)}});
     QVERIFY(hasWindows(2)); // there it has its place
-    const Place poster{Role::filler, u"Poster frame"_s};
+    const Place poster{Role::image, u"Poster frame"_s};
     QVERIFY(drag(desktop(), source, tessaly, poster, u"copy"_s));
     QTRY_VERIFY_WITH_TIMEOUT(tessaly.shows(Role::label, u"Input: 640 x 360"_s), workTime);
     QTRY_VERIFY(tessaly.isEnabled(Role::button, u"Save"_s));

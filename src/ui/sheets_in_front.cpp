@@ -12,7 +12,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr int patience = 300; // milliseconds; for the desktop's answer
+constexpr int answerLimit = 300; // milliseconds that the desktop has to grant the keyboard
 
 QDialog *newestSheetOf(const QWidget *window)
 {
@@ -54,7 +54,7 @@ void SheetsInFront::follow()
     QDialog *sheet = topSheetOn(QApplication::activeWindow());
     if (!sheet) return;
     sheet->activateWindow();
-    QTimer::singleShot(patience, sheet, [sheet] {
+    QTimer::singleShot(answerLimit, sheet, [sheet] {
         if (topSheetOn(QApplication::activeWindow()) == sheet) showAnew(sheet);
     });
 }

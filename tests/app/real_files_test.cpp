@@ -20,7 +20,6 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr int patience = 60000; // milliseconds; for what the converter does on a busy machine
 const auto failed = u"Video could not be resized.\n"_s;
 
 QByteArray checksum(const QString &path)
@@ -53,7 +52,7 @@ private:
     void saveAs(const QString &path)
     {
         app->delegate.saveResponse(1, path);
-        QTRY_VERIFY_WITH_TIMEOUT(app->alert(), patience);
+        QTRY_VERIFY(app->alert());
     }
     QString inputFate() const
     {
@@ -115,9 +114,9 @@ private Q_SLOTS:
     {
         open(u"long.mp4"_s);
         app->delegate.saveResponse(1, output());
-        QTRY_VERIFY_WITH_TIMEOUT(isConverting(), patience);
+        QTRY_VERIFY(isConverting());
         ::kill(static_cast<pid_t>(app->tools.runningProcesses(u"creator"_s).value(0)), SIGKILL);
-        QTRY_VERIFY_WITH_TIMEOUT(app->alert(), patience);
+        QTRY_VERIFY(app->alert());
         seen(app->told() + u"; "_s + inputFate() +
              (QFile::exists(output()) ? u", output there"_s : u", output gone"_s));
         QCOMPARE(app->alertText(), failed + u"ffmpeg was killed by the system or by another program."_s);
@@ -195,12 +194,12 @@ private Q_SLOTS:
         app->delegate.widthTF->setIntegerValue(320); // all of it is converted
         app->delegate.heightTF->setIntegerValue(180);
         app->delegate.saveResponse(1, output());
-        QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(output()), patience);
+        QTRY_VERIFY(QFile::exists(output()));
         const pid_t converter = static_cast<pid_t>(app->tools.runningProcesses(u"creator"_s).value(0));
         QCOMPARE(::kill(converter, SIGSTOP), 0); // it reads no further until the input has changed
         QVERIFY(removed ? QFile::remove(input) : QFile::resize(input, 3'000'000));
         QCOMPARE(::kill(converter, SIGCONT), 0);
-        QTRY_VERIFY_WITH_TIMEOUT(app->alert(), patience);
+        QTRY_VERIFY(app->alert());
         const double seconds = FileProbe(output()).duration;
         seen(u"%1; the new video has %2 of 30 s"_s.arg(app->told()).arg(seconds));
         QVERIFY2(app->alertText().startsWith("Video Resized Successfully!"_L1), qPrintable(app->told()));
@@ -238,7 +237,7 @@ private Q_SLOTS:
         QStringList shown;
         app->delegate.saveResponse(1, output());
         QTRY_VERIFY(app->delegate.progressWindow->isVisible());
-        const QDeadlineTimer limit(patience);
+        const QDeadlineTimer limit(tessaly::test::waitLimit);
         while (app->delegate.progressWindow->isVisible() && !limit.hasExpired()) {
             const bool isBusy = app->delegate.progressBar->isBusy();
             const QString text =
@@ -318,7 +317,7 @@ private Q_SLOTS:
         open(u"plain.mp4"_s);
         app->type(app->delegate.widthTF.get(), typed);
         app->saveTo(output());
-        QTRY_VERIFY_WITH_TIMEOUT(app->alert(), patience);
+        QTRY_VERIFY(app->alert());
         const QString filter = app->tools.calls(u"creator"_s).last().filter(u"scale="_s).value(0);
         seen(u"%1; %2"_s.arg(filter, app->told()));
         QCOMPARE(filter, passedOn + u",setsar=1:1"_s);

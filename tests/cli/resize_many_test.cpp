@@ -16,8 +16,6 @@ using tessaly::JSON;
 
 namespace {
 
-constexpr int patience = tessaly::test::waitLimit;
-
 struct Result
 {
     int exitCode = -1; // -1: it did not end, or not by itself
@@ -27,7 +25,8 @@ struct Result
 
 Result resultOf(QProcess &process)
 {
-    const bool ended = process.waitForFinished(patience) && process.exitStatus() == QProcess::NormalExit;
+    const bool ended =
+        process.waitForFinished(tessaly::test::waitLimit) && process.exitStatus() == QProcess::NormalExit;
     return {ended ? process.exitCode() : -1, QString::fromUtf8(process.readAllStandardOutput()),
             QString::fromUtf8(process.readAllStandardError())};
 }
@@ -250,7 +249,7 @@ private Q_SLOTS:
         start(process, {u"clips/a.mkv"_s, m_media + u"long.mp4"_s, u"clips/b.mp4"_s, u"-o"_s, u"small"_s,
                         u"--scale=200"_s});
         QVERIFY(process.waitForStarted());
-        QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(path(u"small/long.mp4"_s)), patience);
+        QTRY_VERIFY(QFile::exists(path(u"small/long.mp4"_s)));
         ::kill(static_cast<pid_t>(process.processId()), signal);
         const Result result = resultOf(process);
         QCOMPARE(result.exitCode, 130);
@@ -305,7 +304,7 @@ private Q_SLOTS:
         start(process, {m_media + u"long.mp4"_s, u"clips/b.mp4"_s, u"-o"_s, u"small"_s, u"--scale=200"_s,
                         u"--json"_s});
         QVERIFY(process.waitForStarted());
-        QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(path(u"small/long.mp4"_s)), patience);
+        QTRY_VERIFY(QFile::exists(path(u"small/long.mp4"_s)));
         process.terminate();
         const Result result = resultOf(process);
         QCOMPARE(result.exitCode, 130);

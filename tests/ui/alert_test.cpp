@@ -406,9 +406,9 @@ void AlertTest::keepsNoProgramRunning()
 {
     Stage stage;
     stage.begin(stage.alert());
-    constexpr int patience = 20'000; // milliseconds
+    constexpr int limit = 20'000; // milliseconds
     QTimer::singleShot(0, &stage.window, &QWidget::close);
-    QTimer::singleShot(patience, &stage.window, [] { QCoreApplication::exit(1); });
+    QTimer::singleShot(limit, &stage.window, [] { QCoreApplication::exit(1); });
     QCOMPARE(QCoreApplication::exec(), 0);
 }
 

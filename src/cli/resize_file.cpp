@@ -46,7 +46,7 @@ std::optional<QString> namesRefusal(const ResizeFile &file, bool mayReplace)
     for (const NamedFile &name : {file.input, file.output}) {
         if (!name.path) return name.shown + u": the name is not valid UTF-8, so it cannot be used."_s;
     }
-    if (const auto refusal = nameRefusal(file.output)) return refusal;
+    if (auto refusal = nameRefusal(file.output)) return refusal;
     if (file.isFromFolder) return std::nullopt; // what is no video has no target
     return targetRefusal(*file.input.path, outputPath(file), mayReplace);
 }
@@ -55,9 +55,9 @@ JobEnd run(ResizeJob &job, const ResizeFile &file, const ResizeCommand &command)
 {
     ProgressDisplay progress(progressStyle(command.progress, command.quiet),
                              {.place = file.place, .input = *file.input.path});
-    const JobEnd end = job.run({.percent = [&progress](double percent) { progress.show(percent); },
-                                .converted = [&progress](double seconds) { progress.showConverted(seconds); },
-                                .tick = [&progress] { progress.tick(); }});
+    JobEnd end = job.run({.percent = [&progress](double percent) { progress.show(percent); },
+                          .converted = [&progress](double seconds) { progress.showConverted(seconds); },
+                          .tick = [&progress] { progress.tick(); }});
     progress.finish();
     return end;
 }

@@ -56,6 +56,7 @@ std::optional<std::vector<ResizeFile>> filesIn(const NamedFile &folder)
     if (error) return std::nullopt;
     std::sort(names.begin(), names.end());
     std::vector<ResizeFile> files;
+    files.reserve(names.size());
     for (const std::string &name : names)
         files.push_back({.input = fileIn(folder, QByteArray::fromStdString(name)), .isFromFolder = true});
     return files;
@@ -157,7 +158,7 @@ std::optional<QString> outputRefusal(const ResizeCommand &command)
 {
     if (!command.output.path)
         return command.output.shown + u": the name is not valid UTF-8, so it cannot be used."_s;
-    const std::optional<QString> refusal = folderRefusal(command.output);
+    std::optional<QString> refusal = folderRefusal(command.output);
     if (!refusal) return std::nullopt;
     if (command.inputs.size() > 1)
         return u"There are several inputs, so -o must name a folder: "_s + *refusal;

@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
 # Runs the commands of docs/many-videos.md as they stand there, interrupts them, and gives them again:
 #   check_parallel.sh DOCUMENT PROGRAMS CLIPS
-# The machines are this one: a script in the place of ssh runs what it is given. One clip is read slowly, so that it is
-# being resized when the blow falls.
+# The machines are this one: a script in the place of ssh runs what it is given, with a shell of its own in SHELL as a
+# login has it. One clip is read slowly, so that it is being resized when the blow falls.
 set -euo pipefail
 document=$(realpath "$1")
 programs=$(realpath "$2")
@@ -14,7 +14,7 @@ limit=60 # seconds that anything may take that is waited for; it comes at once
 
 fail() {
     printf 'WRONG: %s\n' "$*"
-    cat "$work"/said* 2>/dev/null || :
+    cat "$work"/said* "$films/resize.log" 2>/dev/null || :
     exit 1
 }
 
@@ -54,7 +54,7 @@ done
 echo "\$1" >>"$work/logins"
 shift
 [ "\$1" != -- ] || shift
-cd && exec sh -c "\$*"
+cd && SHELL=/bin/sh exec sh -c "\$*"
 END
     chmod +x "$work"/tools/*
     "$programs/creator" -v error -nostdin -i "$clips/long.mp4" -t 6 -c copy "$work/c film.mp4"

@@ -81,6 +81,13 @@ metainfo_names_this_version() { grep -q "<release version=\"$version\"" "$prefix
 changelog_names_this_version() {
     zcat "$prefix/share/doc/tessaly/changelog.gz" | head -n 1 | grep -qF "tessaly ($version) "
 }
+# Each entry of CHANGELOG.md is an entry there.
+changes_are_told() {
+    local entries
+    entries=$(grep -c '^- ' "$source/CHANGELOG.md")
+    [ "$(zcat "$prefix/share/doc/tessaly/changelog.gz" | grep -c '^  \* ')" -eq "$entries" ] &&
+        [ "$(sed -n '/<releases>/,$p' "$prefix"/share/metainfo/*.xml | grep -c '<li>.*</li>')" -eq "$entries" ]
+}
 manual() {
     zcat "$prefix/share/man/man1/$1.1.gz" >"$work/$1.1" && mandoc -T lint -W warning "$work/$1.1" &&
         grep -qF "Tessaly $version" "$work/$1.1"
@@ -130,6 +137,7 @@ try "what the desktop entry names" entry_names_what_is_there
 try "the metainfo" appstreamcli validate --no-net "$prefix"/share/metainfo/*.xml
 try "the metainfo's version" metainfo_names_this_version
 try "the changelog's version" changelog_names_this_version
+try "the changes" changes_are_told
 try "the manual page of the window" manual tessaly
 try "the manual page of the command line" manual tessaly-cli
 try "the options" options_are_told

@@ -38,8 +38,11 @@ mkdir -m 700 runtime
     read -r number <number
 }
 export DISPLAY=:$number XDG_RUNTIME_DIR=$PWD/runtime QT_DEBUG_PLUGINS=1
+# The loader tells what it looks for, of the libraries that are opened later as well.
+export LD_DEBUG=libs LD_DEBUG_OUTPUT=$PWD/loader
 "$tree/bin/tessaly" 2>said &
 window=$!
+unset LD_DEBUG LD_DEBUG_OUTPUT
 # until_true COMPLAINT COMMAND…
 until_true() {
     local complaint=$1 ends=$((SECONDS + 120))
@@ -57,17 +60,21 @@ until_true "no panel" has_keyboard "Open Video"
 xdotool type --delay 30 -- "$PWD/films/clip.mp4"
 xdotool key Return
 until_true "the clip is not opened" has_keyboard "clip.mp4 — Tessaly"
-half() { # the height field takes the half, and the panel comes; until then the controls are not enabled
-    xdotool key ctrl+s
+half_is_saved() { # until the stills are made neither key does anything
+    xdotool key alt+7 ctrl+s
     sleep 1
     has_keyboard "Save Resized Video"
 }
-until_true "no panel to save in" half
+until_true "no panel to save in" half_is_saved
 xdotool type --delay 30 -- "$PWD/films/window.mp4"
 xdotool key Return
 until_true "the window wrote nothing" test -s films/window.mp4
-written() { [ "$(size_of films/window.mp4)" = 640,360 ]; }
-until_true "what the window wrote is no video" written
+written() { [ "$(size_of films/window.mp4)" = 320,180 ]; }
+until_true "what the window wrote is no video of half the size" written
 kill -TERM "$window"
 wait "$window" || fail "the window ends with $?"
 ! grep -i 'cannot load library\|could not load' said || fail "a plugin could not be loaded"
+
+names() { sed -n "s/.*$1\\([^ ]*\\).*/\\1/p" "loader.$window" | sort -u; }
+missing=$(comm -23 <(names 'find library=') <(names 'calling init: .*\/'))
+[ -z "$missing" ] || fail "the window looked for these and found none: $missing"

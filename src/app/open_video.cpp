@@ -81,6 +81,8 @@ void AppDelegate::openVideo(const QUrl &url)
     if (runsAreEnding()) return;
     enableInterface();
     showInputResolution();
+    // What had the keyboard was the empty window's button, or has been disabled meanwhile.
+    sizeSLDR->setFocus();
 }
 
 // A slow disk, or a pipe that nobody writes, is not waited for in silence.

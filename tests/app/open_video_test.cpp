@@ -84,6 +84,17 @@ private Q_SLOTS:
         QCOMPARE(app->alert() != nullptr, busy); // what the slow prober said was no report
     }
 
+    void theSizeSliderHasTheKeyboardAfterwards()
+    {
+        QCOMPARE(app->window.focusWidget()->objectName(), u"emptyOpenBTN"_s);
+        app->openSize(640, 360);
+        QCOMPARE(app->window.focusWidget(), app->delegate.sizeSLDR.get());
+        app->delegate.heightTF->setFocus();
+        app->openSize(1280, 720);
+        QCOMPARE(app->window.focusWidget(), app->delegate.sizeSLDR.get());
+        QCOMPARE(app->delegate.sliderTitleLBL->text(), u"Scale:"_s);
+    }
+
     void theReasonOfARefusalCanBeRead()
     {
         app->letProberReport(R"({"error": {"code": -2, "string": "No such file or directory"}})");

@@ -1,8 +1,10 @@
 #include "e2e/screen_reader.h"
 
 #include "e2e/control.h"
+#include "e2e/tasks.h"
 
 #include <QDBusVariant>
+#include <QTest>
 
 namespace tessaly::e2e {
 
@@ -58,8 +60,13 @@ void ScreenReader::registerFor(const QString &event)
         QDBusMessage::createMethodCall(u"org.a11y.atspi.Registry"_s, u"/org/a11y/atspi/registry"_s,
                                        u"org.a11y.atspi.Registry"_s, u"RegisterEvent"_s);
     registration << event << QStringList() << QString();
-    const QDBusMessage answer = m_bus.call(registration);
-    if (answer.type() != QDBusMessage::ReplyMessage) qWarning("%s", qUtf8Printable(answer.errorMessage()));
+    // On a busy machine the registry was seen to end while it began; the next call starts it anew.
+    QDBusMessage answer;
+    const auto isRegistered = [&] {
+        answer = m_bus.call(registration);
+        return answer.type() == QDBusMessage::ReplyMessage;
+    };
+    if (!QTest::qWaitFor(isRegistered, workTime)) qWarning("%s", qUtf8Printable(answer.errorMessage()));
 }
 
 // The event itself need not hold what is new; a screen reader asks for it.

@@ -39,6 +39,12 @@ const QWidget *widgetOf(const QObject *object)
     return static_cast<const QWidget *>(object);
 }
 
+// What happens to a window is told to each of its widgets as well.
+bool isWindow(const QObject *object)
+{
+    return object->isWidgetType() && static_cast<const QWidget *>(object)->isWindow();
+}
+
 void closePopups()
 {
     while (QWidget *popup = QApplication::activePopupWidget()) {
@@ -63,7 +69,7 @@ bool SheetShield::eventFilter(QObject *watched, QEvent *event)
 {
     if (!m_sheet->isVisible() || !m_window) return false;
     if (isDrag(*event)) return watched == m_sheet && static_cast<QObject *>(m_window)->event(event);
-    if (event->type() == QEvent::WindowActivate && watched->isWidgetType() && covers(watched))
+    if (event->type() == QEvent::WindowActivate && isWindow(watched) && covers(watched))
         QMetaObject::invokeMethod(this, &SheetShield::bringSheetToFront, Qt::QueuedConnection);
     return isUserInput(*event) && covers(watched) && keepOff(event);
 }

@@ -11,6 +11,25 @@ namespace tessaly {
 using namespace tessaly::test;
 using namespace Qt::StringLiterals;
 
+// How many events of a kind an object got.
+class Events : public QObject
+{
+public:
+    Events(QObject *watched, QEvent::Type type) : QObject(watched), m_type(type)
+    {
+        watched->installEventFilter(this);
+    }
+    bool eventFilter(QObject *, QEvent *event) override
+    {
+        if (event->type() == m_type) ++count;
+        return false;
+    }
+    int count = 0;
+
+private:
+    QEvent::Type m_type;
+};
+
 class AlertTest : public TestCase
 {
     Q_OBJECT
@@ -20,6 +39,7 @@ private Q_SLOTS:
     void belongsToTheWindowOfAView();
     void blocksTheWindow();
     void keepsKeysFromTheWindow();
+    void comesToTheFrontOnceForEachActivationOfTheWindow();
     void letsDragsThrough_data();
     void letsDragsThrough();
     void leavesNoMenuOpen();
@@ -110,6 +130,23 @@ void AlertTest::keepsKeysFromTheWindow()
     work();
     QCOMPARE(field.text(), u"a"_s);
     QCOMPARE(triggered.count(), 1);
+}
+
+void AlertTest::comesToTheFrontOnceForEachActivationOfTheWindow()
+{
+    Stage stage;
+    for (int i = 0; i < 10; ++i)
+        (new QLineEdit(&stage.window))->show();
+    stage.begin(stage.alert());
+    QVERIFY(QTest::qWaitForWindowActive(stage.box()));
+    QCoreApplication::processEvents();
+    const Events raises(stage.box(), QEvent::ZOrderChange);
+    const Events activations(&stage.window, QEvent::WindowActivate);
+    stage.window.activateWindow();
+    QTRY_VERIFY(raises.count > 0);
+    QTRY_VERIFY(stage.box()->isActiveWindow());
+    QCoreApplication::processEvents();
+    QCOMPARE(raises.count, activations.count);
 }
 
 // A window that notes what is dropped on it.

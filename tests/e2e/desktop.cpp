@@ -220,15 +220,16 @@ QList<ManagedWindow> Desktop::windowsOnSway() const
     return windows;
 }
 
-QPoint Desktop::originOf(qint64 process) const
+QPoint Desktop::originOf(qint64 process, Stacked place) const
 {
-    QPoint origin;
+    QList<QPoint> origins;
     const QList<ManagedWindow> windows =
         m_manager == WindowManager::sway ? windowsOnSway() : QList<ManagedWindow>();
     for (const ManagedWindow &window : windows) {
-        if (window.process == process) origin = window.place.topLeft();
+        if (window.process == process) origins << window.place.topLeft();
     }
-    return origin;
+    if (origins.isEmpty()) return {};
+    return place == Stacked::front ? origins.constLast() : origins.constFirst();
 }
 
 bool Desktop::hasKeyboard(qint64 process) const

@@ -16,6 +16,8 @@ namespace tessaly::e2e {
 // on it. It tiles windows, and floats dialogs.
 enum class WindowManager { none, openbox, sway };
 
+enum class Stacked { front, back };
+
 struct ManagedWindow
 {
     qint64 id = 0;
@@ -51,9 +53,9 @@ public:
     std::optional<QString> ask(const QString &tool, const QStringList &words) const;
     // The windows on Sway, those in front last.
     QList<ManagedWindow> windowsOnSway() const;
-    // Where on the screen the places begin that a process tells of. On Wayland it knows places in its window
-    // alone; that of the last window in `windowsOnSway` is meant.
-    QPoint originOf(qint64 process) const;
+    // Where on the screen the places begin that a process tells of. On Wayland it knows places in its windows
+    // alone; that of its window in front is meant, or of the one behind its sheets.
+    QPoint originOf(qint64 process, Stacked place = Stacked::front) const;
     // What is typed goes to a window of the process.
     bool hasKeyboard(qint64 process) const;
 

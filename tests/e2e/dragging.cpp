@@ -55,7 +55,7 @@ bool drag(const Desktop &desktop, Program &source, const Program &target, const 
     const std::optional<Control> goal = target.find(place.role, place.name);
     if (!start || !window || !goal) return false;
     const QPoint from = desktop.originOf(source.id()) + start->extents().center();
-    const QPoint origin = desktop.originOf(target.id());
+    const QPoint origin = desktop.originOf(target.id(), Stacked::back);
     const QPoint edge = origin + window->extents().bottomLeft() + QPoint(40, -6);
     const QPoint to = origin + goal->extents().center();
 

@@ -17,6 +17,7 @@ private Q_SLOTS:
     void init();
     void opensAndSaves();
     void opensADroppedFile();
+    void opensAFileDroppedUnderAnAlert();
     void cancels();
     void leavesNoSheetUnderItsWindow_data();
     void leavesNoSheetUnderItsWindow();
@@ -61,6 +62,21 @@ void WaylandTest::opensADroppedFile()
     const Place poster{Role::image, u"Poster frame"_s};
     QVERIFY(drag(desktop(), source, tessaly, poster, u"copy"_s));
     QTRY_VERIFY_WITH_TIMEOUT(tessaly.shows(Role::label, u"Input: 640 x 360"_s), workTime);
+    QTRY_VERIFY(tessaly.isEnabled(Role::button, u"Save"_s));
+}
+
+void WaylandTest::opensAFileDroppedUnderAnAlert()
+{
+    Program &tessaly = launch();
+    QVERIFY(hasWindows(1));
+    QVERIFY(chooseVideo(tessaly, clip(u"sound.m4a"_s)));
+    QVERIFY(!waitForAlert(tessaly).isEmpty());
+    Program &source = start(u"../tests/bin/drag_source"_s, {.arguments = {clip(u"plain.mp4"_s)}});
+    QVERIFY(hasWindows(3));
+    const Place window{Role::button, u"Help"_s};
+    QVERIFY(drag(desktop(), source, tessaly, window, u"copy"_s));
+    QTRY_VERIFY_WITH_TIMEOUT(tessaly.shows(Role::label, u"Input: 640 x 360"_s), workTime);
+    QVERIFY(!tessaly.shows(Role::alert));
     QTRY_VERIFY(tessaly.isEnabled(Role::button, u"Save"_s));
 }
 

@@ -186,7 +186,7 @@ private Q_SLOTS:
                 (void)ChildProcess().run(tools.path(tool), {}, Reading::standardError, [&](auto &chunk) {
                     chunks += chunk;
                     QFile file(tools.path(QString::number(chunks.size())));
-                    file.open(QIODevice::WriteOnly);
+                    QVERIFY(file.open(QIODevice::WriteOnly));
                 });
             });
             QVERIFY2((chunks == QByteArrayList{"one\r", "two\rthr", "ee\n", "\xC3\xA9"}), name);

@@ -239,7 +239,7 @@ void MainWindowTest::allBeginsOnOneEdge_data()
 static int firstInk(const QImage &picture, Qt::LayoutDirection direction)
 {
     const bool isFromRight = direction == Qt::RightToLeft;
-    const QImage image = isFromRight ? picture.mirrored(true, false) : picture;
+    const QImage image = isFromRight ? picture.transformed(QTransform().scale(-1, 1)) : picture;
     const QRgb ground = image.pixel(0, image.height() / 2);
     for (int x = 0; x < image.width(); ++x) {
         for (int y = 2; y < image.height() - 2; ++y) // without the lines between the bars

@@ -37,12 +37,8 @@ mkdir -m 700 runtime
     trap 'kill "$display" 2>/dev/null || :' EXIT
     read -r number <number
 }
-export DISPLAY=:$number XDG_RUNTIME_DIR=$PWD/runtime QT_DEBUG_PLUGINS=1
-# The loader tells what it looks for, of the libraries that are opened later as well.
-export LD_DEBUG=libs LD_DEBUG_OUTPUT=$PWD/loader
-"$tree/bin/tessaly" 2>said &
-window=$!
-unset LD_DEBUG LD_DEBUG_OUTPUT
+export DISPLAY=:$number XDG_RUNTIME_DIR=$PWD/runtime
+
 # until_true COMPLAINT COMMAND…
 until_true() {
     local complaint=$1 ends=$((SECONDS + 120))
@@ -54,16 +50,36 @@ until_true() {
     done
 }
 has_keyboard() { [ "$(xdotool getwindowfocus getwindowname)" = "$1" ]; }
-until_true "no window with the keyboard" has_keyboard "Tessaly"
+start_window() { # start_window [VARIABLE=VALUE…]
+    env "$@" "$tree/bin/tessaly" 2>said &
+    window=$!
+    until_true "no window with the keyboard" has_keyboard "Tessaly"
+}
+end_window() {
+    kill -TERM "$window"
+    wait "$window" || fail "the window ends with $?"
+}
+
+# The loader tells what it looks for, of the libraries that are opened later as well. The tools would tell it, too.
+start_window QT_DEBUG_PLUGINS=1 LD_DEBUG=libs LD_DEBUG_OUTPUT="$PWD/loader"
 xdotool key ctrl+o
-until_true "no panel" has_keyboard "Open Video"
+until_true "no panel" has_keyboard "Open Video — Tessaly"
+end_window
+! grep -i 'cannot load library\|could not load' said || fail "a plugin could not be loaded"
+names() { sed -n "s/.*$1\\([^ ]*\\).*/\\1/p" "loader.$window" | sort -u; }
+missing=$(comm -23 <(names 'find library=') <(names 'calling init: .*\/'))
+[ -z "$missing" ] || fail "the window looked for these and found none: $missing"
+
+start_window
+xdotool key ctrl+o
+until_true "no panel" has_keyboard "Open Video — Tessaly"
 xdotool type --delay 30 -- "$PWD/films/clip.mp4"
 xdotool key Return
 until_true "the clip is not opened" has_keyboard "clip.mp4 — Tessaly"
 half_is_saved() { # until the stills are made neither key does anything
     xdotool key alt+7 ctrl+s
     sleep 1
-    has_keyboard "Save Resized Video"
+    has_keyboard "Save Resized Video — Tessaly"
 }
 until_true "no panel to save in" half_is_saved
 xdotool type --delay 30 -- "$PWD/films/window.mp4"
@@ -71,10 +87,5 @@ xdotool key Return
 until_true "the window wrote nothing" test -s films/window.mp4
 written() { [ "$(size_of films/window.mp4)" = 320,180 ]; }
 until_true "what the window wrote is no video of half the size" written
-kill -TERM "$window"
-wait "$window" || fail "the window ends with $?"
-! grep -i 'cannot load library\|could not load' said || fail "a plugin could not be loaded"
-
-names() { sed -n "s/.*$1\\([^ ]*\\).*/\\1/p" "loader.$window" | sort -u; }
-missing=$(comm -23 <(names 'find library=') <(names 'calling init: .*\/'))
-[ -z "$missing" ] || fail "the window looked for these and found none: $missing"
+end_window
+[ ! -s said ] || { cat said; fail "the window said something"; }

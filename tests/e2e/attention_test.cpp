@@ -89,10 +89,16 @@ void AttentionTest::theReportWaitsForTheWindow()
     QVERIFY(chooseOutput(tessaly, output));
     QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(output) && suspendConverter(), workTime);
     QVERIFY(sheetHasKeyboard()); // later it would take the keyboard from the other program
+    const auto knowsThatItHasTheKeyboard = [&] {
+        const std::optional<Control> sheet = tessaly.find(Role::dialog);
+        return sheet && sheet->is(State::focused);
+    };
+    QTRY_VERIFY(knowsThatItHasTheKeyboard());
     Program &typewriter = start(u"../tests/bin/typewriter"_s);
     QVERIFY(activate(typewriter));
     QVERIFY(typewriter.press({u"a"_s}));
     QTRY_COMPARE(typewriter.standardOutput(), u"a"_s);
+    QTRY_VERIFY(!knowsThatItHasTheKeyboard()); // that may have come to its knowledge later
 
     if (fails)
         ::kill(static_cast<pid_t>(runningMediaTools().constFirst().id), SIGKILL);

@@ -43,6 +43,7 @@ constexpr auto swayConfig = R"(xwayland disable
 default_border none
 focus_follows_mouse no
 mouse_warping none
+input type:keyboard repeat_rate 0
 output * mode 1280x900
 for_window [title="^Drag source$"] floating enable, move absolute position 1000 700
 exec echo $WAYLAND_DISPLAY
@@ -115,9 +116,10 @@ void Desktop::makeFolders()
 void Desktop::startDisplay()
 {
     m_display.setProcessEnvironment(m_environment);
-    const QString number = startServer(
-        m_display, u"Xvfb"_s,
-        {u"-displayfd"_s, u"1"_s, u"-screen"_s, u"0"_s, u"1280x900x24"_s, u"-nolisten"_s, u"tcp"_s});
+    const QString number =
+        startServer(m_display, u"Xvfb"_s,
+                    {u"-displayfd"_s, u"1"_s, u"-screen"_s, u"0"_s, u"1280x900x24"_s, u"-nolisten"_s,
+                     u"tcp"_s, u"-r"_s}); // no key repeats because the machine was too busy to let go of it
     if (number.isEmpty()) m_problem = u"Xvfb did not start"_s;
     m_environment.insert(u"DISPLAY"_s, u":"_s + number);
 }

@@ -34,6 +34,14 @@ bool isNameSpoken(Role role)
     return role == Role::frame || role == Role::slider || role == Role::image || role == Role::statusBar;
 }
 
+// Newer versions of Qt name a sheet with the program's name behind its own.
+QString withoutProgram(QString name)
+{
+    const auto program = u" \u2014 Tessaly"_s;
+    if (name.endsWith(program)) name.chop(program.size());
+    return name;
+}
+
 } // namespace
 
 ScreenReader::ScreenReader(QDBusConnection bus) : m_bus(std::move(bus))
@@ -81,12 +89,12 @@ void ScreenReader::hearChange(const QDBusMessage &event)
 void ScreenReader::hearState(const QDBusMessage &event)
 {
     if (kindOf(event) != "focused"_L1 || !isBegun(event)) return;
-    speak(u"focus"_s, Control(m_bus, event.service(), event.path()).name());
+    speak(u"focus"_s, withoutProgram(Control(m_bus, event.service(), event.path()).name()));
 }
 
 void ScreenReader::hearWindow(const QDBusMessage &event)
 {
-    speak(u"window"_s, Control(m_bus, event.service(), event.path()).name());
+    speak(u"window"_s, withoutProgram(Control(m_bus, event.service(), event.path()).name()));
 }
 
 void ScreenReader::hearAnnouncement(const QDBusMessage &event)

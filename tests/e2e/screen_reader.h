@@ -26,8 +26,8 @@ public:
     const QList<Announcement> &announcements() const { return m_announcements; }
 
     // What a reader speaks, in order, a line each: "window NAME" for one that became the active one, "focus
-    // NAME", "name NAME" for a window, a slider, a picture or a status line that got a new name, and "says
-    // TEXT".
+    // NAME", both without the program's name behind a title, "name NAME" for a window, a slider, a picture or
+    // a status line that got a new name, and "says TEXT".
     const QStringList &spoken() const { return m_spoken; }
 
 private Q_SLOTS:

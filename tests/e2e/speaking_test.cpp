@@ -24,7 +24,9 @@ const auto frameSlider = u"Which still of the video is shown"_s;
 
 bool hears(const ScreenReader &reader, const QString &line, int times = 1)
 {
-    return QTest::qWaitFor([&] { return reader.spoken().count(line) >= times; }, workTime);
+    const bool isHeard = QTest::qWaitFor([&] { return reader.spoken().count(line) >= times; }, workTime);
+    if (!isHeard) qInfo("heard so far:\n%s", qUtf8Printable(reader.spoken().join(u'\n')));
+    return isHeard;
 }
 
 QList<double> valuesTold(const ScreenReader &reader, qsizetype from)

@@ -158,7 +158,10 @@ void TestResizeJob::fails_data()
     row("nothing", plain, out, 0, 0,
         u"The new video came out as 640 x 360, not 0 x 0: choose a size of at least 2 x 2."_s, gone);
     row("more than ffmpeg can count", plain, out, qint64(1) << 32, 180,
-        u"The new video came out as 640 x 180, not 4294967296 x 180: choose a smaller size."_s, gone);
+        u"The new video came out as 640 x 180, not 4294967296 x 180: choose a smaller size.|" // up to FFmpeg
+                                                                                              // 7
+        "A video of 4294967296 x 180 is too large to be made: choose a smaller size."_s,
+        gone);
     row("folder vanished", plain, u"no/such/out.mp4"_s, 320, 180,
         u"The folder for the new video does not exist."_s, gone);
     row("target is a folder", plain, u"folder.mp4"_s, 320, 180,
@@ -187,7 +190,7 @@ void TestResizeJob::fails()
     const JobEnd end = ResizeJob(probed(input), {path(output), width, height}).run();
     const auto *failure = std::get_if<JobFailed>(&end);
     QVERIFY2(failure, qPrintable(told(end)));
-    QCOMPARE(failure->sentence, sentence);
+    QVERIFY2(sentence.split(u'|').contains(failure->sentence), qPrintable(failure->sentence));
     QVERIFY(!failure->details.isEmpty());
     QCOMPARE(contents(path(output)), left);
     QVERIFY(contents(input) == before);

@@ -120,13 +120,19 @@ void WaylandTest::leavesNoSheetUnderItsWindow()
         return all.size() == 2 && all.constFirst().id == window && all.last().title == title &&
                all.last().hasKeyboard;
     };
-    QVERIFY(QTest::qWaitFor(isSheetInFront, waitLimit));
+    const auto told = [&] {
+        QStringList lines;
+        for (const ManagedWindow &each : windows())
+            lines << each.title + (each.hasKeyboard ? u", with the keyboard"_s : QString());
+        return lines.join(u" below "_s);
+    };
+    QVERIFY2(QTest::qWaitFor(isSheetInFront, waitLimit), qPrintable(told()));
 
     const QPoint corner = windows().constFirst().place.topLeft() + QPoint(5, 120);
     for (const QString &step :
          {u"set %1 %2"_s.arg(corner.x()).arg(corner.y()), u"press button1"_s, u"release button1"_s})
         QVERIFY(desktop().ask(u"swaymsg"_s, u"seat - cursor "_s.append(step).split(u' ')));
-    QVERIFY(QTest::qWaitFor(isSheetInFront, waitLimit));
+    QVERIFY2(QTest::qWaitFor(isSheetInFront, waitLimit), qPrintable(told()));
     QVERIFY(tessaly.press({u"Escape"_s}));
     QVERIFY(hasWindows(1));
 }

@@ -156,6 +156,7 @@ private:
     void connectActions(MainWindow *form);
     void openCopiedFile();
     void tellCountOfDrop();
+    std::optional<Refusal> analyze(const QString &path);
     void probeInput(const QString &path);
     void refuse(Refusal refusal);
     void connectSizeMenu(QMenu *menu); // size_menu.cpp

@@ -66,23 +66,34 @@ void AppDelegate::openCopiedFile()
 
 void AppDelegate::openVideo(const QUrl &url)
 {
-    const BusyInput busy;
     resetInterface();
     const QString path = filePath(url);
     m_lastVideoFolder = QFileInfo(path).path();
-    probeInput(path);
+    const std::optional<Refusal> refusal = analyze(path);
     if (runsAreEnding()) return;
-    if (const std::optional<Refusal> refusal = refusalOf(*globalFP, path)) {
-        if (progressWindow->isVisible()) endAnalyzingSheet();
+    if (refusal) {
         refuse(*refusal);
         return;
     }
-    extractPosterFrames(globalFP->duration, path);
-    if (runsAreEnding()) return;
     enableInterface();
     showInputResolution();
     // What had the keyboard was the empty window's button, or has been disabled meanwhile.
     sizeSLDR->setFocus();
+}
+
+// What a person types or clicks meanwhile is thrown away before anything is there that could be meant: the
+// controls and the alert that come afterwards answer as soon as they are seen.
+std::optional<Refusal> AppDelegate::analyze(const QString &path)
+{
+    const BusyInput busy;
+    probeInput(path);
+    if (runsAreEnding()) return std::nullopt;
+    const std::optional<Refusal> refusal = refusalOf(*globalFP, path);
+    if (!refusal)
+        extractPosterFrames(globalFP->duration, path);
+    else if (progressWindow->isVisible())
+        endAnalyzingSheet();
+    return refusal;
 }
 
 // A slow disk, or a pipe that nobody writes, is not waited for in silence.

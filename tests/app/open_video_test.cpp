@@ -1,5 +1,6 @@
 // Opening a video by drop and by panel.
 #include "app/app_harness.h"
+#include "platform/busy_input.h"
 #include "platform/printing.h"
 #include "support/seen.h"
 #include "support/test_case.h"
@@ -25,6 +26,26 @@ QByteArray reportWith(const QByteArray &stream, const QByteArray &more = {})
     return R"({"streams": [{"codec_type": "video", "avg_frame_rate": "25/1", )" + stream +
            R"(}], "format": {"duration": "12"})" + more + "}";
 }
+
+// Whether input was still thrown away when the control came to life or an alert came up.
+class FirstLook : public QObject
+{
+public:
+    explicit FirstLook(const QWidget *control) : m_control(control) { qApp->installEventFilter(this); }
+    bool eventFilter(QObject *object, QEvent *event) override
+    {
+        const bool comesToLife =
+            object == m_control && event->type() == QEvent::EnabledChange && m_control->isEnabled();
+        if (comesToLife || (event->type() == QEvent::Show && qobject_cast<QMessageBox *>(object)))
+            wasBusy = BusyInput::isBusy();
+        return false;
+    }
+
+    std::optional<bool> wasBusy;
+
+private:
+    const QWidget *m_control;
+};
 
 } // namespace
 
@@ -82,6 +103,21 @@ private Q_SLOTS:
         QVERIFY(!sheet->isVisible());
         QVERIFY(app->delegate.progressDetail->text().isEmpty());
         QCOMPARE(app->alert() != nullptr, busy); // what the slow prober said was no report
+    }
+
+    void whatComesUpAnswersAtOnce_data()
+    {
+        QTest::addColumn<QByteArray>("stream");
+        QTest::newRow("the controls of an accepted file") << R"("width": 640, "height": 360)"_ba;
+        QTest::newRow("the alert of a refused one") << R"("codec_name": "png")"_ba;
+    }
+    void whatComesUpAnswersAtOnce()
+    {
+        QFETCH(QByteArray, stream);
+        app->letProberReport(reportWith(stream));
+        const FirstLook look(app->delegate.widthTF.get());
+        app->drop(app->makeFile(u"clip.mp4"_s));
+        QCOMPARE(look.wasBusy, false);
     }
 
     void theSizeSliderHasTheKeyboardAfterwards()

@@ -1,7 +1,7 @@
 #include "ui/sheets_in_front.h"
 
 #include <QApplication>
-#include <QDialog>
+#include <QEvent>
 #include <QTimer>
 
 #include <algorithm>
@@ -13,6 +13,7 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr int answerLimit = 300; // milliseconds that the desktop has to grant the keyboard
+constexpr int showings = 3;      // a desktop that still grants a sheet nothing has its reasons
 
 QDialog *newestSheetOf(const QWidget *window)
 {
@@ -47,15 +48,29 @@ SheetsInFront::SheetsInFront()
     if (!QGuiApplication::platformName().startsWith("wayland"_L1)) return;
     // Which widget is active is known a moment later.
     connect(qApp, &QGuiApplication::focusWindowChanged, this, &SheetsInFront::follow, Qt::QueuedConnection);
+    qApp->installEventFilter(this);
+}
+
+// The keyboard can come to a new sheet and leave it again before the program hears of it: no change is told
+// then.
+bool SheetsInFront::eventFilter(QObject *object, QEvent *event)
+{
+    if (event->type() == QEvent::Show && qobject_cast<QDialog *>(object))
+        QTimer::singleShot(answerLimit, this, &SheetsInFront::follow);
+    return false;
 }
 
 void SheetsInFront::follow()
 {
     QDialog *sheet = topSheetOn(QApplication::activeWindow());
+    if (sheet != m_sheet) m_showings = 0;
+    m_sheet = sheet;
     if (!sheet) return;
     sheet->activateWindow();
-    QTimer::singleShot(answerLimit, sheet, [sheet] {
-        if (topSheetOn(QApplication::activeWindow()) == sheet) showAnew(sheet);
+    QTimer::singleShot(answerLimit, sheet, [this, sheet] {
+        if (topSheetOn(QApplication::activeWindow()) != sheet || m_showings == showings) return;
+        ++m_showings;
+        showAnew(sheet);
     });
 }
 

@@ -6,6 +6,10 @@
 #include <QDir>
 #include <QFile>
 #include <QProcess>
+#include <QRegularExpression>
+#include <QScopeGuard>
+#include <QSet>
+
 #include <csignal>
 
 using namespace Qt::StringLiterals;
@@ -146,6 +150,33 @@ private Q_SLOTS:
         QVERIFY(runCapturingOutput(tools.path(tool), arguments).outcome.succeeded());
         QVERIFY(runToEnd(tools.path(tool), {}).succeeded());
         QCOMPARE(tools.calls(tool), (QList<QStringList>{arguments, {}}));
+    }
+
+    void handsOnTheEnvironment_data()
+    {
+        QTest::addColumn<QByteArray>("before");
+        QTest::newRow("with settings of malloc that suit large frames") << QByteArray();
+        QTest::newRow("as it is, where the person has some") << "glibc.malloc.check=1"_ba;
+    }
+
+    void handsOnTheEnvironment()
+    {
+        QFETCH(QByteArray, before);
+        const char *variable = "GLIBC_TUNABLES";
+        if (!before.isEmpty()) qputenv(variable, before);
+        const auto clean = qScopeGuard([variable] { qunsetenv(variable); });
+        const QStringList expected = QProcessEnvironment::systemEnvironment().toStringList();
+        const CapturedRun run = runCapturingOutput(u"/usr/bin/env"_s, {});
+        QVERIFY(run.outcome.succeeded());
+        QStringList lines = QString::fromLocal8Bit(run.output).split(u'\n', Qt::SkipEmptyParts);
+        if (before.isEmpty()) {
+            const QStringList settings =
+                lines.filter(QRegularExpression(u"^GLIBC_TUNABLES=(.*:)?glibc.malloc.hugetlb=1(:|$)"_s));
+            QCOMPARE(settings.size(), 1);
+            lines.removeOne(settings.first());
+        }
+        QCOMPARE(QSet<QString>(lines.cbegin(), lines.cend()),
+                 QSet<QString>(expected.cbegin(), expected.cend()));
     }
 
     // Another process with channels of its own, its standard input open and never ended.

@@ -113,6 +113,7 @@ void AttentionTest::theReportWaitsForTheWindow()
 
     QVERIFY(activate(tessaly));
     QCOMPARE(waitForAlert(tessaly).value(0), message);
+    QVERIFY(tessaly.waitForFocus(Role::button, u"OK"_s)); // some desktops take their time
     QVERIFY(tessaly.press({u"Return"_s}));
     QTRY_VERIFY(!tessaly.shows(Role::alert));
 }

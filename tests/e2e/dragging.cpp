@@ -14,23 +14,9 @@ QStringList at(const QPoint &point)
     return {u"mousemove"_s, QString::number(point.x()), QString::number(point.y())};
 }
 
-// A target answers late, so a "copy" may still be the answer to an earlier place. Each wait here is for what
-// only the last movement can have brought about: over the edge a first "copy", over the source itself, which
-// takes nothing, the end of it, and over the goal a second one.
-bool enter(const Desktop &desktop, const QPoint &to, const QPoint &home, Program &source,
-           const QString &answer)
-{
-    const auto waitFor = [&](const QString &awaited) {
-        return QTest::qWaitFor([&] { return answerOf(source) == awaited; }, test::waitLimit);
-    };
-    if (!waitFor(answer)) return false;
-    desktop.xdotool(at(home));
-    if (!waitFor(u"nothing"_s)) return false;
-    desktop.xdotool(at(to));
-    return waitFor(answer);
-}
-
-// The source does not hear of a refusal; the target gets the time for many answers.
+// The target gets the time for many answers, as from a hand that trembles: of a refusal the source does not
+// hear, and after an answer that came late, to an earlier place, a drop can arrive before the target has
+// heard of this one.
 bool restOn(const Desktop &desktop, const QPoint &to, const Program &target)
 {
     bool isAlive = true;
@@ -39,6 +25,21 @@ bool restOn(const Desktop &desktop, const QPoint &to, const Program &target)
         isAlive = isAlive && target.shows(Role::frame);
     }
     return isAlive;
+}
+
+// Each wait is for what only the last movement should have brought about: over the edge a first "copy", over
+// the source itself, which takes nothing, the end of it, and over the goal a second one.
+bool enter(const Desktop &desktop, const QPoint &to, const QPoint &home, Program &source,
+           const Program &target, const QString &answer)
+{
+    const auto waitFor = [&](const QString &awaited) {
+        return QTest::qWaitFor([&] { return answerOf(source) == awaited; }, test::waitLimit);
+    };
+    if (!waitFor(answer)) return false;
+    desktop.xdotool(at(home));
+    if (!waitFor(u"nothing"_s)) return false;
+    desktop.xdotool(at(to));
+    return waitFor(answer) && restOn(desktop, to, target) && waitFor(answer);
 }
 
 } // namespace
@@ -67,8 +68,8 @@ bool drag(const Desktop &desktop, Program &source, const Program &target, const 
         desktop.xdotool(at(from - QPoint(4 * step, 0)));
     for (int step = 1; step <= 12; ++step)
         desktop.xdotool(at(from + (edge - from) * step / 12));
-    const bool isAnswered =
-        answer == "nothing"_L1 ? restOn(desktop, to, target) : enter(desktop, to, from, source, answer);
+    const bool isAnswered = answer == "nothing"_L1 ? restOn(desktop, to, target)
+                                                   : enter(desktop, to, from, source, target, answer);
     desktop.xdotool({u"mouseup"_s, u"1"_s});
     const auto isDone = [&] { return source.standardOutput().contains(u"done "_s + answer); };
     return isAnswered && QTest::qWaitFor(isDone, test::waitLimit);

@@ -119,6 +119,7 @@ public:
         if (eventLoopIsRunning()) waitInEventLoop();
         waitPlainly();
         readWhatTheChildLeft();
+        endItsHelpers();
         return outcome();
     }
 
@@ -142,6 +143,7 @@ private:
         if (m_limits.time > 0ms) m_deadline.setRemainingTime(m_limits.time);
         m_process.start();
         m_owner.m_processId = m_process.processId();
+        m_group = static_cast<pid_t>(m_process.processId());
         if (m_pipe) m_pipe->closeWritingEnd();
     }
 
@@ -259,6 +261,13 @@ private:
         }
     }
 
+    // What it started and left behind would go on without a limit, and nobody would see it. A number is not
+    // given to another process while a group goes by it.
+    void endItsHelpers() const
+    {
+        if (m_group > 0) ::kill(-m_group, SIGKILL);
+    }
+
     ProcessOutcome outcome() const
     {
         if (m_startFailed)
@@ -277,6 +286,7 @@ private:
     std::optional<Pipe> m_pipe;
     QDeadlineTimer m_deadline{QDeadlineTimer::Forever};
     qint64 m_received = 0;
+    pid_t m_group = 0;
     std::optional<End> m_end; // when it was our doing
     bool m_readingIsCut = false;
     bool m_startFailed = false;

@@ -1,9 +1,10 @@
 // Running another program to its end: the one way in which children are started, read, and stopped. Nothing
 // goes through a shell or a search path, and a child never has the terminal: its standard input is the null
-// device. It has a process group of its own, so that a key typed in a terminal reaches only this program, the
-// usual treatment of signals, this program's environment and in it, unless the person has set them, settings
-// of glibc's malloc that suit large frames, and on Linux it is killed by the system when this program dies,
-// however that comes about, and shut in as confinement.h tells.
+// device. It has a process group of its own, so that a key typed in a terminal reaches only this program, and
+// what is left of that group ends with the run; it has the usual treatment of signals, this program's
+// environment and in it, unless the person has set them, settings of glibc's malloc that suit large frames,
+// and on Linux it is killed by the system when this program dies, however that comes about, and shut in as
+// confinement.h tells.
 #pragma once
 
 #include "platform/writable_places.h"

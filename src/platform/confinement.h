@@ -11,7 +11,8 @@ struct sock_fprog;
 namespace tessaly {
 
 // The bounds of one child. It may read and run what it likes, but write only to its places and to the null
-// device; it has no network, gains no privileges, does not touch other processes, and leaves no core dump.
+// device, and inherits nothing but its three channels; it has no network, gains no privileges, does not touch
+// other processes, stays in its process group, and leaves no core dump.
 // What this system cannot refuse is not refused, and nothing is said of it.
 class Confinement
 {

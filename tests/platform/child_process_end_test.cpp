@@ -17,6 +17,14 @@ namespace tessaly::test {
 namespace {
 
 const QString tool = u"creator"_s;
+
+// Also when nobody has asked for how it ended.
+bool hasEnded(const QByteArray &process)
+{
+    QFile status("/proc/"_L1 + QString::fromLatin1(process) + "/stat"_L1);
+    return !status.open(QIODevice::ReadOnly) || status.readAll().contains(") Z ");
+}
+
 } // namespace
 
 class ChildProcessEndTest : public TestCase
@@ -52,6 +60,24 @@ private Q_SLOTS:
         QVERIFY(!run.outcome.succeeded());
         QVERIFY(clock.elapsed() < waitLimit);
         QVERIFY(tools.runningProcesses(tool).isEmpty());
+    }
+
+    void whatAChildLeavesEndsWithItsRun_data()
+    {
+        QTest::addColumn<Waiting>("waiting");
+        for (const auto &[name, waiting] : waitingModes)
+            QTest::newRow(name) << waiting;
+    }
+
+    void whatAChildLeavesEndsWithItsRun()
+    {
+        QFETCH(Waiting, waiting);
+        const QString leave = u"sleep 1000 >/dev/null 2>&1 & echo $!"_s;
+        CapturedRun run;
+        inWaitingMode(waiting, [&] { run = runCapturingOutput(u"/bin/sh"_s, {u"-c"_s, leave}); });
+        QVERIFY(run.outcome.succeeded());
+        QVERIFY(run.output.toInt() > 0);
+        QTRY_VERIFY(hasEnded(run.output.trimmed()));
     }
 
     void nothingStartsAfterwards()

@@ -13,24 +13,30 @@
 
 #include <arpa/inet.h>
 #include <fcntl.h>
+#include <linux/fs.h>
 #include <linux/netlink.h>
 #include <sched.h>
 #include <sys/ioctl.h>
-#include <sys/mount.h>
 #include <sys/ptrace.h>
 #include <sys/resource.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
 #include <sys/sysmacros.h>
+#include <sys/timex.h>
 #include <sys/uio.h>
 #include <sys/un.h>
 #include <sys/wait.h>
+#include <termios.h>
 #include <unistd.h>
 
 namespace {
 
 constexpr int newFile = O_WRONLY | O_CREAT;
+
+// Not in the headers of every release.
+constexpr long fchmodat2Number = 452;
+constexpr long setxattratNumber = 463;
 
 // As the system calls: -1 and an error, or something else.
 long opening(const std::string &path, int flags)
@@ -109,6 +115,54 @@ long makingAPair()
     return socketpair(AF_UNIX, SOCK_STREAM, 0, ends);
 }
 
+// A datagram of a pair, sent elsewhere.
+long sendingToAPath()
+{
+    int ends[2] = {};
+    if (socketpair(AF_UNIX, SOCK_DGRAM, 0, ends) != 0) return -1;
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    std::strcpy(address.sun_path, "theirs/socket");
+    const auto *where = reinterpret_cast<sockaddr *>(&address);
+    // That nobody listens there is known only when it has been tried.
+    return sendto(ends[0], "x", 1, 0, where, sizeof address) == 1 || errno == ENOENT ? 0 : -1;
+}
+
+// In a process that leads no group, which could not leave its session.
+long leavingTheSession()
+{
+    const pid_t child = fork();
+    if (child == 0) _exit(setsid() < 0 ? errno : 0);
+    int status = 0;
+    waitpid(child, &status, 0);
+    errno = WEXITSTATUS(status);
+    return errno == 0 ? 0 : -1;
+}
+
+long changingTheTerminal()
+{
+    const termios settings{};
+    return tcsetattr(STDIN_FILENO, TCSANOW, &settings);
+}
+
+long takingTheTerminal()
+{
+    return tcsetpgrp(STDIN_FILENO, getpgrp());
+}
+
+long changingTheFlags()
+{
+    int flags = 0;
+    const auto file = static_cast<int>(opening("theirs/file", O_RDONLY));
+    return file < 0 || ioctl(file, FS_IOC_GETFLAGS, &flags) != 0 ? -1 : ioctl(file, FS_IOC_SETFLAGS, &flags);
+}
+
+long settingTheClock()
+{
+    timex nothing{};
+    return syscall(SYS_adjtimex, &nothing);
+}
+
 long emptyingOwnFile()
 {
     const auto file = static_cast<int>(opening("own/file", O_WRONLY | O_TRUNC));
@@ -146,6 +200,14 @@ const std::map<std::string, std::function<long()>> attempts = {
     {"remove-a-folder-elsewhere", [] { return rmdir("theirs/folder"); }},
     {"change-the-mode", [] { return chmod("theirs/file", 0777); }},
     {"change-the-owner", [] { return chown("theirs/file", getuid(), getgid()); }},
+    {"change-the-mode-by-a-newer-call",
+     [] { return syscall(fchmodat2Number, AT_FDCWD, "theirs/file", 0777, 0); }},
+    {"change-attributes-by-a-newer-call",
+     [] { return syscall(setxattratNumber, AT_FDCWD, "theirs/file", 0, nowhere(), nowhere(), 0); }},
+    {"change-the-flags", changingTheFlags},
+    {"freeze-a-file-system", [] { return ioctl(STDIN_FILENO, FIFREEZE, 0); }},
+    {"leave-a-device-behind",
+     [] { return renameat2(AT_FDCWD, "own/file", AT_FDCWD, "own/new", RENAME_WHITEOUT); }},
     {"make-a-device", [] { return mknod("own/new", S_IFCHR | 0600, makedev(1, 3)); }},
     {"make-a-pipe-elsewhere", [] { return mkfifo("theirs/new", 0600); }},
     {"write-to-shared-memory",
@@ -157,6 +219,7 @@ const std::map<std::string, std::function<long()>> attempts = {
     {"connect-over-udp", [] { return connecting(SOCK_DGRAM); }},
     {"connect-to-an-abstract-name", [] { return connectingByName(std::string(1, '\0') + "nobody"); }},
     {"connect-to-a-path", [] { return connectingByName("theirs/socket"); }},
+    {"send-to-a-path", sendingToAPath},
     {"talk-to-the-kernel", [] { return socket(AF_NETLINK, SOCK_RAW, NETLINK_ROUTE); }},
     // other processes
     {"signal-the-parent", [] { return kill(getppid(), 0); }},
@@ -169,8 +232,13 @@ const std::map<std::string, std::function<long()>> attempts = {
          rlimit limit{};
          return prlimit(getppid(), RLIMIT_NOFILE, nullptr, &limit);
      }},
+    {"leave-the-session", leavingTheSession},
+    {"join-the-parents-group", [] { return setpgid(0, getpgid(getppid())); }},
+    {"change-the-terminal", changingTheTerminal},
+    {"take-the-terminal", takingTheTerminal},
     {"type-into-the-terminal", [] { return ioctl(STDIN_FILENO, TIOCSTI, "x"); }},
     // the system
+    {"set-the-clock", settingTheClock},
     {"mount", [] { return syscall(SYS_mount, nowhere(), nowhere(), nowhere(), 0, nowhere()); }},
     {"unshare", [] { return unshare(0); }},
     // Not a pair that the kernel takes; refused before it looks.

@@ -6,6 +6,7 @@
 #include <QCommandLineParser>
 #include <QRegularExpression>
 
+#include <algorithm>
 #include <cmath>
 
 namespace tessaly {
@@ -74,6 +75,14 @@ std::vector<NamedFile> namedFiles(const QStringList &words)
     return files;
 }
 
+// A relative name would mean another file than the person does.
+std::optional<QString> refusalOfRelative(const QStringList &words)
+{
+    const auto isAbsolute = [](const QString &word) { return word.startsWith(u'/'); };
+    if (std::all_of(words.begin(), words.end(), isAbsolute) || currentFolderIsKnown()) return std::nullopt;
+    return u"The path of the current folder cannot be told: name files by their whole paths."_s;
+}
+
 Command readInfo(const QStringList &words)
 {
     QCommandLineParser parser;
@@ -89,6 +98,7 @@ Command readInfo(const QStringList &words)
     const QStringList files = parser.positionalArguments();
     if (files.isEmpty()) return WrongUsage{u"info needs at least one file."_s};
     if (files.contains(QString())) return WrongUsage{u"A file name is empty."_s};
+    if (const std::optional<QString> refusal = refusalOfRelative(files)) return WrongUsage{*refusal};
     return InfoCommand{
         .files = namedFiles(files), .json = parser.isSet(json), .verbose = parser.isSet(verbose)};
 }
@@ -167,6 +177,7 @@ Command readResize(const QStringList &words)
     if (inputs.isEmpty()) return WrongUsage{u"resize needs at least one input."_s};
     if (inputs.contains(QString())) return WrongUsage{u"A file name is empty."_s};
     if (parser.value(output).isEmpty()) return WrongUsage{u"resize needs an output: -o FILE."_s};
+    if (const auto refusal = refusalOfRelative(inputs + parser.values(output))) return WrongUsage{*refusal};
     if (parser.isSet(progress) && !parser.isSet(json)) return WrongUsage{u"--progress needs --json."_s};
     ResizeCommand command{.inputs = namedFiles(inputs),
                           .output = namedFile(parser.value(output)),

@@ -42,6 +42,7 @@ int main(int argc, char *argv[]) // NOLINT(bugprone-exception-escape)
 {
     useUtf8Locale();
     outliveReaders();
+    keepOutputFromChildren();
     const QCoreApplication application(argc, argv);
     QByteArrayList words;
     for (int i = 1; i < argc; ++i)

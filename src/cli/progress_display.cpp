@@ -149,7 +149,7 @@ void ProgressDisplay::writeObject()
     members.member("percent", hasPercent ? std::optional(qint64{percent}) : std::nullopt);
     members.member("convertedSeconds", hasPercent ? std::nullopt : std::optional(qint64{second}));
     sink.endDictionary();
-    write(stdout, QByteArray::fromStdString(sink.text()) + '\n');
+    write(output(), QByteArray::fromStdString(sink.text()) + '\n');
 }
 
 void ProgressDisplay::finish()

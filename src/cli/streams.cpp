@@ -2,9 +2,31 @@
 
 #include "cli/terminal_text.h"
 
+#include <fcntl.h>
+#include <unistd.h>
+
 namespace tessaly {
 
 using namespace Qt::StringLiterals;
+
+namespace {
+
+std::FILE *ownOutput = nullptr; // nullptr: still the one that children get, too
+
+} // namespace
+
+void keepOutputFromChildren()
+{
+    const int own = ::fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
+    if (own < 0) return; // it was closed before the start
+    ownOutput = ::fdopen(own, "w");
+    if (ownOutput && ::dup2(STDERR_FILENO, STDOUT_FILENO) < 0) ::close(STDOUT_FILENO);
+}
+
+std::FILE *output()
+{
+    return ownOutput ? ownOutput : stdout;
+}
 
 bool write(std::FILE *stream, const QByteArray &text)
 {
@@ -14,7 +36,7 @@ bool write(std::FILE *stream, const QByteArray &text)
 
 bool writeOutput(const QByteArray &text)
 {
-    if (write(stdout, text)) return true;
+    if (write(output(), text)) return true;
     complain(u"Standard output cannot be written."_s);
     return false;
 }

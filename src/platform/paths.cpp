@@ -7,6 +7,7 @@
 #include <QStringList>
 
 #include <algorithm>
+#include <filesystem>
 
 #include <sys/stat.h>
 #include <unistd.h>
@@ -70,6 +71,13 @@ QString pathExtension(const QString &path)
     if (point <= 0 || isDots(name.first(point))) return {};
     const QString extension = name.sliced(point + 1);
     return isExtension(extension) ? extension : QString();
+}
+
+bool currentFolderIsKnown()
+{
+    std::error_code error;
+    const std::filesystem::path folder = std::filesystem::current_path(error);
+    return !error && pathFromBytes(QByteArray::fromStdString(folder.native()));
 }
 
 QString absolutePath(const QString &path)

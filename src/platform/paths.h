@@ -18,8 +18,12 @@ QString lastPathComponent(const QString &path);
 // bidirectional control.
 QString pathExtension(const QString &path);
 
+// Whether relative paths mean anything: not when the current folder is gone, or its path is too long to be
+// told, or not UTF-8.
+bool currentFolderIsKnown();
+
 // The path itself when it is absolute, else the current folder before it; every other character stays as
-// given.
+// given. A relative one needs currentFolderIsKnown().
 QString absolutePath(const QString &path);
 
 // An absolute file URL with "." and ".." resolved in the text. It ends with a slash when the path does, or

@@ -438,6 +438,28 @@ private Q_SLOTS:
         QVERIFY(!QFile::exists(path(u"checked.mp4"_s)));
     }
 
+    void whatAToolSaysIsNotAmongTheObjects()
+    {
+        const QString program = programWith(
+            u"creator"_s, "echo '{\"input\": \"forged\"}'\n: >/dev/fd/1\nexec \"$real\" \"$@\"\n");
+        const Result result = run({m_media + u"plain.mp4"_s, u"-o"_s, u"told"_s, u"--json"_s}, program);
+        QCOMPARE(result.exitCode, 0);
+        QVERIFY2(result.error.contains("forged"_L1), qPrintable(result.error));
+        QCOMPARE(result.out.count(u'\n'), 1);
+        QVERIFY2(result.out.contains("told.mp4"_L1) && !result.out.contains("forged"_L1),
+                 qPrintable(result.out));
+    }
+
+    void relativeNamesInAFolderThatIsGone()
+    {
+        for (const QString &words : {u"-o /nowhere/new.mp4 gone.mp4"_s, u"-o new.mp4 /nowhere/gone.mp4"_s}) {
+            const Result result =
+                runShell(u"mkdir gone && cd gone && rmdir ../gone && exec \"$0\" resize "_s + words);
+            QCOMPARE(result.exitCode, 2);
+            QVERIFY2(result.error.contains("current folder"_L1), qPrintable(result.error));
+        }
+    }
+
     void aHangUpThatIsIgnoredStaysIgnored()
     {
         QProcess process; // as under nohup

@@ -39,7 +39,7 @@ QString kind(const FileProbe &facts)
     const JSON *pictures = pictureStream(streams);
     if (pictures && holdsOnePicture(*pictures)) return u"a still"_s;
     if (facts.hasVideoTrack) return u"video"_s;
-    if (pictures) return u"video without a frame rate"_s;
+    if (isVideoWithoutRate(streams)) return u"video without a frame rate"_s;
     return facts.hasAudioTrack ? u"sound only"_s : u"neither video nor sound"_s;
 }
 

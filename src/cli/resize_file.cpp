@@ -6,6 +6,7 @@
 #include "jobs/resize_job.h"
 #include "platform/termination_watch.h"
 #include "probe/refusal.h"
+#include "probe/stream_facts.h"
 
 #include <QElapsedTimer>
 #include <QFileInfo>
@@ -22,12 +23,23 @@ bool cannotBeOpened(const QString &path)
     return !there.exists() || there.isDir() || !there.isReadable();
 }
 
+bool hasOnlyVideoWithoutRate(const FileProbe &probe)
+{
+    return probe.isValidMediaFile && isVideoWithoutRate(probe.jsonDictionary["streams"].arrayValue());
+}
+
+QString whyUnsupported(const FileProbe &probe)
+{
+    const QString details = refusalDetails(probe);
+    return details.isEmpty() && hasOnlyVideoWithoutRate(probe) ? u"its video has no frame rate"_s : details;
+}
+
 std::optional<QString> inputRefusal(const FileProbe &probe, const QString &path)
 {
     const std::optional<Refusal> refusal = refusalOf(probe, path);
     if (!refusal) return std::nullopt;
     if (*refusal == Refusal::dvdFile) return path + u": .VOB files cannot be opened."_s;
-    const QString details = refusalDetails(probe);
+    const QString details = whyUnsupported(probe);
     if (!details.isEmpty() && (probe.proberFailure || cannotBeOpened(path))) return path + u": "_s + details;
     return path + u": this seems to be an unsupported file"_s +
            (details.isEmpty() ? u"."_s : u" ("_s + details + u")."_s);
@@ -119,7 +131,7 @@ std::optional<Skipped> skipOf(const ResizeFile &file, const FileProbe &probe)
     if (!file.isFromFolder || probe.proberFailure || cannotBeOpened(*file.input.path)) return std::nullopt;
     if (isPicture(probe)) return Skipped{u"it is a picture."_s, {}};
     const bool mayBeDamaged = !probe.isValidMediaFile && isCalledVideo(*file.input.path);
-    if (probe.hasVideoTrack || mayBeDamaged) return std::nullopt;
+    if (probe.hasVideoTrack || hasOnlyVideoWithoutRate(probe) || mayBeDamaged) return std::nullopt;
     return Skipped{u"no video was found in it."_s, refusalDetails(probe)};
 }
 

@@ -52,8 +52,8 @@ QStringList remarksOf(const FileEnd &end);
 QString outputPath(const ResizeFile &file);
 
 // Why a file is left out; nothing for a video, and for a file that was named itself. In a folder a single
-// picture counts as no video. A file that is called a video but cannot be read as one is not left out: it may
-// be a damaged one.
+// picture counts as no video. Not left out are a file that is called a video but cannot be read as one, which
+// may be a damaged one, and a video that cannot be resized.
 std::optional<Skipped> skipOf(const ResizeFile &file, const FileProbe &probe);
 
 } // namespace tessaly

@@ -77,6 +77,12 @@ bool holdsOnePicture(const JSON &stream)
     return pictures > 0 && pictures < 1.5;
 }
 
+bool isVideoWithoutRate(const std::vector<JSON> &streams)
+{
+    const JSON *pictures = pictureStream(streams);
+    return pictures && isStillPicture(*pictures) && !holdsOnePicture(*pictures);
+}
+
 std::optional<MainVideo> mainVideo(const std::vector<JSON> &streams)
 {
     const JSON *found = mainVideoStream(streams);

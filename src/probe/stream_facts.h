@@ -40,6 +40,9 @@ const JSON *pictureStream(const std::vector<JSON> &streams);
 // cover.
 bool holdsOnePicture(const JSON &stream);
 
+// A video all of whose picture streams come without a frame rate: none of them is its main video.
+bool isVideoWithoutRate(const std::vector<JSON> &streams);
+
 // The facts of the main video stream; nothing when there is none.
 std::optional<MainVideo> mainVideo(const std::vector<JSON> &streams);
 

@@ -15,10 +15,13 @@ using namespace Qt::StringLiterals;
 namespace {
 
 // Extensions by which people name videos of other containers, and sound and pictures.
-constexpr std::array otherVideos{"3g2"_L1, "3gp"_L1,  "asf"_L1, "avi"_L1,  "divx"_L1, "dv"_L1,  "f4v"_L1,
-                                 "flv"_L1, "ivf"_L1,  "m2t"_L1, "m2ts"_L1, "m2v"_L1,  "m4v"_L1, "mkv"_L1,
-                                 "mov"_L1, "mpeg"_L1, "mpg"_L1, "mts"_L1,  "mxf"_L1,  "ogv"_L1, "qt"_L1,
-                                 "rm"_L1,  "ts"_L1,   "vob"_L1, "webm"_L1, "wmv"_L1};
+constexpr std::array otherVideos{"264"_L1,  "265"_L1,  "3g2"_L1,   "3gp"_L1,  "3gpp"_L1, "amv"_L1,  "asf"_L1,
+                                 "avi"_L1,  "divx"_L1, "dv"_L1,    "f4v"_L1,  "flv"_L1,  "h264"_L1, "h265"_L1,
+                                 "hevc"_L1, "insv"_L1, "ivf"_L1,   "lrv"_L1,  "m1v"_L1,  "m2t"_L1,  "m2ts"_L1,
+                                 "m2v"_L1,  "m4v"_L1,  "mjpeg"_L1, "mjpg"_L1, "mkv"_L1,  "mod"_L1,  "mov"_L1,
+                                 "mp4v"_L1, "mpe"_L1,  "mpeg"_L1,  "mpg"_L1,  "mts"_L1,  "mxf"_L1,  "nut"_L1,
+                                 "ogm"_L1,  "ogv"_L1,  "qt"_L1,    "rm"_L1,   "rmvb"_L1, "tod"_L1,  "ts"_L1,
+                                 "vob"_L1,  "webm"_L1, "wmv"_L1,   "wtv"_L1,  "y4m"_L1};
 constexpr std::array soundsAndPictures{"aac"_L1,  "flac"_L1, "gif"_L1, "jpeg"_L1, "jpg"_L1,
                                        "m4a"_L1,  "mka"_L1,  "mp3"_L1, "oga"_L1,  "ogg"_L1,
                                        "opus"_L1, "png"_L1,  "wav"_L1, "webp"_L1};

@@ -176,6 +176,7 @@ void OutputPathTest::namesInAFolder_data()
     row("/in/a.mov", "a.mp4");
     row("/in/a film.MKV", "a film.mp4");
     row("/in/a.tar.webm", "a.tar.mp4");
+    row("/in/a.rmvb", "a.mp4");
     row("/in/a.jpg", "a.mp4");
     row("/in/a", "a.mp4");
     row("/in/a.", "a.mp4");
@@ -202,9 +203,11 @@ void OutputPathTest::namesInAFolder()
 void OutputPathTest::whatIsCalledAVideo_data()
 {
     QTest::addColumn<bool>("isVideo");
-    for (const char *name : {"a.mp4", "a.MP4", "a.mov", "/in/a b.Mkv", "a.vob"})
+    for (const char *name :
+         {"a.mp4", "a.MP4", "a.mov", "/in/a b.Mkv", "a.vob", "a.264", "a.rmvb", "a.OGM", "a.y4m"})
         QTest::newRow(name) << true;
-    for (const char *name : {"a", "mp4", ".mp4", "a.txt", "a.jpg", "a.mp3", "a.gif", "a.mp4/b", ""})
+    for (const char *name :
+         {"a", "mp4", ".mp4", "a.txt", "a.jpg", "a.mp3", "a.gif", "a.ogg", "a.dat", "a.mp4/b", ""})
         QTest::newRow(name) << false;
 }
 

@@ -59,16 +59,20 @@ double percentOf(double side, qint64 inputSide)
 std::optional<FrameSize> sizeWithin(const FrameSize &box, const FrameSize &input)
 {
     if (input.width <= 0 || input.height <= 0) return std::nullopt;
+    // Bounds that are even, so that no rounding leaves them.
+    const FrameSize most{loweredToEven(std::min(box.width, input.width)),
+                         loweredToEven(std::min(box.height, input.height))};
+    if (most == FrameSize{loweredToEven(input.width), loweredToEven(input.height)}) return most;
     const auto width = static_cast<double>(input.width);
     const auto height = static_cast<double>(input.height);
-    const auto widest = static_cast<double>(loweredToEven(std::min(box.width, input.width)));
-    const auto highest = static_cast<double>(loweredToEven(std::min(box.height, input.height)));
-    // The bounds are even, so that no rounding leaves them.
-    const double scale = std::min(widest / width, highest / height);
-    const std::optional<qint64> evenWidth = evenSize(width * scale);
-    const std::optional<qint64> evenHeight = evenSize(height * scale);
-    if (!evenWidth || !evenHeight) return std::nullopt;
-    return FrameSize{*evenWidth, *evenHeight};
+    const auto widest = static_cast<double>(most.width);
+    const auto highest = static_cast<double>(most.height);
+    // Products come before quotients, so that a tie is one.
+    const bool widthDecides = widest * height <= highest * width;
+    const std::optional<qint64> following =
+        widthDecides ? evenSize(height * widest / width) : evenSize(width * highest / height);
+    if (!following) return std::nullopt;
+    return widthDecides ? FrameSize{most.width, *following} : FrameSize{*following, most.height};
 }
 
 std::optional<FrameSize> sizeForWish(const SizeWish &wish, const FrameSize &input)

@@ -36,7 +36,8 @@ std::optional<qint64> widthFollowing(double height, double ratio);
 double percentOf(double side, qint64 inputSide);
 
 // The largest even size within the box in the input's proportions, as near as even sides come to them; never
-// larger than the input, an odd side of which is lowered. Nothing when the input is flat.
+// larger than the input. One that is within the box keeps its size, an odd side is lowered. Nothing when the
+// input is flat.
 std::optional<FrameSize> sizeWithin(const FrameSize &box, const FrameSize &input);
 
 // A wish for a size. A box counts before the sides; with neither, the scale counts.

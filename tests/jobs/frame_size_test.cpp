@@ -150,6 +150,11 @@ void TestFrameSize::fitsIntoABox_data()
     row("the box itself", hd, hd, u"1280 x 720"_s);
     row("smaller than the box: never enlarged", hd, {640, 360}, u"640 x 360"_s);
     row("smaller and odd: lowered, not rounded up", hd, {853, 481}, u"852 x 480"_s);
+    row("smaller, one side odd: the other is kept", {1920, 1920}, {405, 720}, u"404 x 720"_s);
+    row("smaller, the other side odd", {1920, 1920}, {720, 405}, u"720 x 404"_s);
+    row("too large by a pixel on one side", {404, 720}, {405, 720}, u"404 x 720"_s);
+    row("a tie", {1522, 755}, {666, 1332}, u"378 x 754"_s);
+    row("a tie of the height", {755, 1522}, {1332, 666}, u"754 x 378"_s);
     row("as large as the box but for a pixel", hd, {1281, 721}, u"1280 x 720"_s);
     row("an odd box", {1281, 721}, {1920, 1080}, u"1280 x 720"_s);
     row("the smallest box", {2, 2}, {1920, 1080}, u"2 x 2"_s);

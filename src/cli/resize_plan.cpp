@@ -102,36 +102,68 @@ void leaveOutNoVideos(std::vector<ResizeFile> &files)
     });
 }
 
-// Some disks take two names that differ in their letter case, or in how a letter is composed, for one. Where
-// nothing is replaced the second of them fails by itself.
-QString nameOnAnyDisk(const QString &path, bool mayReplace)
+using FileNumber = std::pair<dev_t, ino_t>;
+
+std::optional<FileNumber> numberOf(const QByteArray &path)
 {
-    return mayReplace ? path.normalized(QString::NormalizationForm_C).toCaseFolded() : path;
+    struct stat there = {};
+    if (::stat(path.constData(), &there) != 0) return std::nullopt;
+    return FileNumber{there.st_dev, there.st_ino};
+}
+
+std::optional<FileNumber> numberOf(const QString &path)
+{
+    return numberOf(QFile::encodeName(path));
+}
+
+// Some disks take two names that differ in their letter case, or in how a letter is composed, for one.
+QString nameOnAnyDisk(const QString &path)
+{
+    return path.normalized(QString::NormalizationForm_C).toCaseFolded();
+}
+
+// What would be written: a file that is there, without a name, or a name in a folder.
+using Target = std::pair<FileNumber, QString>;
+
+// Where nothing is replaced, the second of two that meet fails by itself, so that only equal names count.
+// Else links are followed, also to where nothing is yet.
+Target targetOf(const QString &output, bool mayReplace)
+{
+    if (!mayReplace) return {{}, output};
+    if (const auto number = numberOf(output)) return {*number, {}};
+    const QByteArray end = withoutLinks(QFile::encodeName(output));
+    const qsizetype nameStart = end.lastIndexOf('/') + 1;
+    const auto folder = numberOf(end.first(nameStart));
+    return {folder.value_or(FileNumber()),
+            nameOnAnyDisk(QFile::decodeName(folder ? end.sliced(nameStart) : end))};
+}
+
+QString clash(const std::vector<ResizeFile> &files)
+{
+    QStringList outputs;
+    for (const ResizeFile &file : files) {
+        const auto isThis = [&file](const QString &output) {
+            return nameOnAnyDisk(output) == nameOnAnyDisk(file.output.shown);
+        };
+        if (std::none_of(outputs.begin(), outputs.end(), isThis)) outputs += file.output.shown;
+    }
+    const QString oneFile = outputs.size() > 1 ? u", by links one file"_s : QString();
+    return joined(files) + u" would both become "_s + outputs.join(u" and "_s) + oneFile +
+           u": please resize them into different folders."_s;
 }
 
 QStringList clashes(const std::vector<ResizeFile> &files, bool mayReplace)
 {
-    std::map<QString, std::vector<ResizeFile>> byOutput;
+    std::map<Target, std::vector<ResizeFile>> byTarget;
     for (const ResizeFile &file : files) {
-        if (file.input.path) byOutput[nameOnAnyDisk(outputPath(file), mayReplace)].push_back(file);
+        if (file.input.path) byTarget[targetOf(outputPath(file), mayReplace)].push_back(file);
     }
     QStringList sentences;
-    for (auto &[output, sameName] : byOutput) {
-        if (sameName.size() > 1) leaveOutNoVideos(sameName);
-        if (sameName.size() > 1)
-            sentences += u"%1 would both become %2: please resize them into different folders."_s.arg(
-                joined(sameName), sameName.front().output.shown);
+    for (auto &[target, sameTarget] : byTarget) {
+        if (sameTarget.size() > 1) leaveOutNoVideos(sameTarget);
+        if (sameTarget.size() > 1) sentences += clash(sameTarget);
     }
     return sentences;
-}
-
-using FileNumber = std::pair<dev_t, ino_t>;
-
-std::optional<FileNumber> numberOf(const QString &path)
-{
-    struct stat there = {};
-    if (::stat(QFile::encodeName(path).constData(), &there) != 0) return std::nullopt;
-    return FileNumber{there.st_dev, there.st_ino};
 }
 
 // By a link an output may lead to the input of another; its own is refused when its turn comes.

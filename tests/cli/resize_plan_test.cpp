@@ -37,6 +37,8 @@ private Q_SLOTS:
     void aFileThatIsNoVideoTakesNoName();
     void namesThatMeetOnSomeDisks_data();
     void namesThatMeetOnSomeDisks();
+    void namesThatLeadToOneFile_data();
+    void namesThatLeadToOneFile();
     void anotherInputIsNotReplaced_data();
     void anotherInputIsNotReplaced();
 
@@ -66,11 +68,12 @@ ResizeCommand ResizePlanTest::command(const QStringList &inputs, const QString &
 
 void ResizePlanTest::initTestCase()
 {
-    for (const QString &folder : {u"in"_s, u"in/c.mp4"_s, u"meet"_s, u"empty"_s, u"out"_s})
+    for (const QString &folder : {u"in"_s, u"in/c.mp4"_s, u"meet"_s, u"empty"_s, u"out"_s, u"linked"_s})
         QVERIFY(QDir(m_folder.path()).mkdir(folder));
     for (const QString &name :
          {u"in/B film.mov"_s, u"in/a.avi"_s, u"in/a film"_s, u"in/z.mp4"_s, u"in/.hidden.mp4"_s,
-          u"meet/a.mov"_s, u"meet/a.jpg"_s, u"meet/b.mp4"_s, u"a.mov"_s, u"a.mp4"_s, u"A.avi"_s, u"b.mp4"_s})
+          u"meet/a.mov"_s, u"meet/a.jpg"_s, u"meet/b.mp4"_s, u"a.mov"_s, u"a.mp4"_s, u"A.avi"_s, u"b.mp4"_s,
+          u"linked/file.mp4"_s, u"linked/other.mp4"_s})
         make(name);
     QCOMPARE(::mkfifo(QFile::encodeName(path(u"in/pipe.mp4"_s)).constData(), 0600), 0);
     QVERIFY(QFile::link(path(u"nowhere"_s), path(u"in/link.mp4"_s)));
@@ -79,6 +82,13 @@ void ResizePlanTest::initTestCase()
     QCOMPARE(::link(QFile::encodeName(path(u"meet/b.mp4"_s)).constData(),
                     QFile::encodeName(path(u"out/a film.mp4"_s)).constData()),
              0);
+    QCOMPARE(::link(QFile::encodeName(path(u"linked/file.mp4"_s)).constData(),
+                    QFile::encodeName(path(u"linked/hard.mp4"_s)).constData()),
+             0);
+    for (const auto &[target, name] :
+         {std::pair("file.mp4", u"symbolic"_s), std::pair("new.mp4", u"dangling"_s),
+          std::pair("../linked/./new.mp4", u"also"_s), std::pair("../new.mp4", u"astray"_s)})
+        QCOMPARE(::symlink(target, QFile::encodeName(path(u"linked/%1.mp4"_s.arg(name))).constData()), 0);
 }
 
 // Qt sees no such name, and so cannot remove it.
@@ -192,6 +202,34 @@ void ResizePlanTest::namesThatMeetOnSomeDisks()
     QFETCH(QStringList, inputs);
     QCOMPARE(planOf(command(inputs, u"new"_s, false)).refusals.size(), 0);
     QCOMPARE(planOf(command(inputs, u"new"_s, true)).refusals.size(), 1);
+}
+
+void ResizePlanTest::namesThatLeadToOneFile_data()
+{
+    QTest::addColumn<QStringList>("inputs");
+    QTest::addColumn<QString>("outputs");
+    const auto row = [](const char *name, const QStringList &inputs, const char *outputs) {
+        QTest::newRow(name) << inputs << QString::fromUtf8(outputs);
+    };
+    row("a hard link", {u"file.mov"_s, u"hard.mov"_s}, "linked/file.mp4 and linked/hard.mp4");
+    row("a symbolic link", {u"file.mov"_s, u"symbolic.mov"_s}, "linked/file.mp4 and linked/symbolic.mp4");
+    row("a link to where nothing is", {u"new.mov"_s, u"dangling.mov"_s},
+        "linked/new.mp4 and linked/dangling.mp4");
+    row("two links to where nothing is", {u"dangling.mov"_s, u"also.mov"_s},
+        "linked/dangling.mp4 and linked/also.mp4");
+    row("another file", {u"file.mov"_s, u"other.mov"_s, u"new.mov"_s, u"astray.mov"_s}, "");
+}
+
+void ResizePlanTest::namesThatLeadToOneFile()
+{
+    QFETCH(QStringList, inputs);
+    QFETCH(QString, outputs);
+    const QString refusal = outputs.isEmpty()
+                                ? QString()
+                                : inputs.join(u" and "_s) + u" would both become "_s + outputs +
+                                      u", by links one file: please resize them into different folders."_s;
+    QCOMPARE(planOf(command(inputs, u"linked"_s, true)).refusals.join(u'|'), refusal);
+    QCOMPARE(planOf(command(inputs, u"linked"_s, false)).refusals, QStringList()); // each fails by itself
 }
 
 void ResizePlanTest::anotherInputIsNotReplaced_data()

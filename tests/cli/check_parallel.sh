@@ -1,8 +1,9 @@
 #!/usr/bin/env bash
 # Runs the commands of docs/many-videos.md as they stand there, interrupts them, and gives them again:
 #   check_parallel.sh DOCUMENT PROGRAMS CLIPS
-# The machines are this one: a script in the place of ssh runs what it is given, with a shell of its own in SHELL as a
-# login has it. One clip is read slowly, so that it is being resized when the blow falls.
+# The machines are this one: a script in the place of ssh runs what it is given as a login has it, with a shell in SHELL
+# and in a session of its own that learns of the end of the connection, not of the signals here. One clip is read slowly,
+# so that it is being resized when the blow falls.
 set -euo pipefail
 document=$(realpath "$1")
 programs=$(realpath "$2")
@@ -14,12 +15,12 @@ limit=60 # seconds that anything may take that is waited for; it comes at once
 
 fail() {
     printf 'WRONG: %s\n' "$*"
-    cat "$work"/said* "$films/resize.log" 2>/dev/null || :
+    cat "$work"/said* "$films"/*.log 2>/dev/null || :
     exit 1
 }
 
-# The processes that work in the folder: parallel, its jobs, and the jobs it left behind.
-workers() { find /proc/[0-9]*/cwd -maxdepth 0 -lname "$films*" 2>/dev/null | cut -d/ -f3; }
+# The processes that work at home: parallel, its jobs here and on the machines, and the jobs it left behind.
+workers() { find /proc/[0-9]*/cwd -maxdepth 0 -lname "$work/home*" 2>/dev/null | cut -d/ -f3; }
 end_workers() { workers | xargs -r kill "-$1" 2>/dev/null || :; }
 trap 'end_workers KILL; rm -rf "$work"' EXIT
 
@@ -32,9 +33,11 @@ await() { # await WHAT COMMAND…
     done
 }
 
-# The commands of the document: the script, and the line of parallel that holds a word.
+# The commands of the document: the script, the line of parallel that holds a word, another line.
 script() { sed -n '/^#!\/bin\/sh$/,/^```$/p' "$document" | sed '$d'; }
 command_with() { grep -E '^parallel ' "$document" | grep -F -- "$1"; }
+line_with() { grep -F -- "$1" "$document" | grep -v '`'; }
+clean_up() { grep -o '`rm [^`]*`' "$document" | tr -d '`'; }
 
 set_up() {
     export HOME=$work/home PATH=$work/tools:$PATH PARALLEL_SSH=$work/tools/ssh-stand-in
@@ -47,39 +50,56 @@ case \$* in */c\\ film.mp4*) [ ! -e "$work/slow" ] || set -- -readrate 0.2 "\$@"
 exec "$(readlink "$programs/creator")" "\$@"
 END
     cat >"$work/tools/ssh-stand-in" <<END
-#!/bin/sh
-while :; do
-    case \$1 in -l) shift 2 ;; -*) shift ;; *) break ;; esac
-done
-echo "\$1" >>"$work/logins"
-shift
-[ "\$1" != -- ] || shift
-cd && SHELL=/bin/sh exec sh -c "\$*"
+#!/usr/bin/perl
+use POSIX;
+while (\$ARGV[0] =~ /^-/) { shift if shift eq "-l" }
+open(my \$logins, ">>", "$work/logins");
+print \$logins shift, "\\n";
+close \$logins;
+shift if \$ARGV[0] eq "--";
+my \$connection = \$\$;
+sub code { my \$signal = \$? & 127; exit(\$signal ? 128 + \$signal : \$? >> 8) }
+if (my \$session = fork) { waitpid(\$session, 0); code() }
+setsid;
+chdir;
+\$ENV{SHELL} = "/bin/sh";
+my \$work = fork or exec "sh", "-c", "@ARGV";
+until (waitpid(\$work, WNOHANG)) { exit 255 if getppid != \$connection; select(undef, undef, undef, 0.02) }
+code()
 END
     chmod +x "$work"/tools/*
     "$programs/creator" -v error -nostdin -i "$clips/long.mp4" -t 6 -c copy "$work/c film.mp4"
 }
 
-# A fresh folder: four clips, the third of them slow.
+# begin WHAT COMMAND: a fresh folder with four clips, the third of them slow.
 begin() {
     echo "$1"
-    rm -rf "$films" "$work/logins"
+    rm -rf "$work/home" "$work/logins"
     mkdir -p "$films/clips" "$films/small"
     script >"$films/resize-one"
     chmod +x "$films/resize-one"
-    for name in a b d; do cp "$clips/plain.mp4" "$films/clips/$name.mp4"; done
+    for name in a b.parts d; do cp "$clips/plain.mp4" "$films/clips/$name.mp4"; done
     cp "$work/c film.mp4" "$films/clips"
+    (cd "$films" && eval "$(line_with '>inputs')")
+    log=$films/$(grep -oE '[a-z]+\.log' <<<"$2")
     touch "$work/slow"
 }
 
-c_is_being_resized() { ls "$films"/small/c*.part-* >/dev/null 2>&1; }
-one_is_logged() { [ "$(wc -l <"$films/resize.log")" -gt 1 ]; }
+c_is_being_resized() { # here or on a machine that shares the folder, or where it was sent to
+    local part
+    ! ls "$films"/small/.parts/c*.mp4 >/dev/null 2>&1 || return 0
+    for part in "$work"/home/.parallel/tmp/*/part.mp4; do
+        [ ! -e "$part" ] || [ ! -e "${part%/*}/clips/c film.mp4" ] || return 0
+    done
+    return 1
+}
+one_is_logged() { [ "$(wc -l <"$log")" -gt 1 ]; }
 nobody_works() { [ -z "$(workers)" ]; }
 packets() {
     "$work/tools/sniffer" -v error -select_streams v:0 -count_packets -show_entries stream=width,height,nb_read_packets \
         -of csv=p=0:s=x "$1"
 }
-outputs() { find "$films/small" -name '*.mp4' ! -name '*.part-*' -printf '%f %i %T@\n' | sort; }
+outputs() { find "$films/small" -maxdepth 1 -name '*.mp4' -printf '%f %i %T@\n' | sort; }
 
 give() { # give COMMAND, in the folder and in the place of this shell
     cd "$films"
@@ -89,17 +109,18 @@ give() { # give COMMAND, in the folder and in the place of this shell
 # Every output is whole, none is there twice, and the log knows each input once, as done.
 all_is_done() {
     local sizes logged
-    sizes=$(for name in a b 'c film' d; do packets "$films/small/$name.mp4.mp4"; done | tr '\n' ' ')
+    sizes=$(for name in a b.parts 'c film' d; do packets "$films/small/$name.mp4.mp4"; done | tr '\n' ' ')
     [ "$sizes" = "$whole" ] || fail "the outputs are $sizes, not $whole"
     [ "$(outputs | wc -l)" -eq 4 ] || fail "there are other outputs: $(outputs)"
-    logged=$(awk -F'\t' 'NR > 1 && $7 == 0 && $8 == 0 { print $1 }' "$films/resize.log" | sort | tr '\n' ' ')
-    [ "$logged" = "1 2 3 4 " ] || fail "done are $logged: $(cat "$films/resize.log")"
+    logged=$(awk -F'\t' 'NR > 1 && $7 == 0 && $8 == 0 { print $1 }' "$log" | sort | tr '\n' ' ')
+    [ "$logged" = "1 2 3 4 " ] || fail "done are $logged"
+    [ -z "$(cd "$films" && eval "$(line_with 'for clip in')" | grep -v new.mp4)" ] || fail "some count as missing"
 }
 
 # interrupted WHAT BLOW REST: begins, strikes, gives the command again.
 interrupted() {
     local command=$3 before
-    begin "$1"
+    begin "$1" "$command"
     give "$command" &
     parallel=$!
     await "the slow clip" c_is_being_resized
@@ -108,12 +129,13 @@ interrupted() {
     wait "$parallel" && fail "it ended as if nothing had happened"
     await "the end of the workers" nobody_works
     [ ! -e "$films/small/c film.mp4.mp4" ] || fail "the slow clip was not interrupted"
-    [ "$2" != terminate ] || ! c_is_being_resized || fail "something was left behind: $(ls "$films/small")"
+    [ "$2" != terminate ] || ! c_is_being_resized || fail "something was left behind: $(find "$work/home")"
     before=$(outputs)
     [ -n "$before" ] || fail "nothing was done before"
     rm "$work/slow"
+    [[ $command != *":::: inputs"* ]] || cp "$clips/plain.mp4" "$films/clips/b new.mp4"
     (give "$command") || fail "it did not succeed the second time"
-    rm -f "$films"/small/*.part-*
+    [ ! -d "$films/small/.parts" ] || (cd "$films" && eval "$(clean_up)")
     all_is_done
     [ -z "$(comm -23 <(echo "$before") <(outputs))" ] || fail "something was done twice: $before, then $(outputs)"
 }
@@ -139,30 +161,33 @@ everything_is_left_alone_without_the_log() {
     echo "without the log"
     local before
     before=$(outputs)
-    rm "$films/resize.log"
+    rm "$log"
     (give "$1") || fail "it did not succeed"
     all_is_done
     [ "$before" = "$(outputs)" ] || fail "something was done twice: $before, then $(outputs)"
 }
 
-sends_and_fetches() {
-    begin "without a shared folder"
-    rm "$work/slow" "$films/clips/c film.mp4"
-    (give "$(command_with --transferfile)") || fail "it did not succeed"
-    for name in a b d; do
-        [ "$(packets "$films/clips/$name.mp4.small.mp4")" = 320x180x50 ] || fail "$name is not whole: $(ls "$films/clips")"
-    done
+what_did_not_come_back_is_named() {
+    echo "a new video that is missing"
+    rm "$films/small/d.mp4.mp4"
+    [ "$(cd "$films" && eval "$(line_with 'for clip in')")" = clips/d.mp4 ] || fail "it was not named"
 }
 
 set_up
 slow=$(packets "$work/c film.mp4")
 whole="320x180x50 320x180x50 640x360x${slow##*x} 320x180x50 "
-cores=$(command_with 'termseq TERM,5000,KILL ./resize-one {} small/{/}.mp4 ::: clips/*' | grep -v sshlogin)
-machines=$(command_with '--workdir .' | grep -v transferfile)
+cores=$(command_with './resize-one {} small/{/}.mp4 ::: clips/*' | grep -v sshlogin)
+machines=$(command_with '--workdir . ')
+sent=$(command_with --transferfile)
+eval "$(line_with 'export ')"
 interrupted "two workers, parallel is ended" terminate "${cores/parallel/parallel --jobs 2}"
 everything_is_left_alone_without_the_log "$cores"
 interrupted "two machines, a worker is killed" kill_worker "$machines"
 [ "$(sort -u "$work/logins" | tr '\n' ' ')" = "anna berta " ] || fail "the machines were $(cat "$work/logins")"
+interrupted "two machines, parallel is ended" terminate "$machines"
 interrupted "two machines, parallel is killed" kill_parallel "$machines"
-interrupted "two machines, all of it is killed" kill_all "$machines"
-sends_and_fetches
+interrupted "two machines, all of it is killed" kill_all "${machines/::: clips\/\*/:::: inputs}"
+interrupted "without a shared folder, parallel is ended" terminate "$sent"
+interrupted "without a shared folder, a worker is killed" kill_worker "$sent"
+interrupted "without a shared folder, all of it is killed" kill_all "$sent"
+what_did_not_come_back_is_named

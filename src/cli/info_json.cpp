@@ -1,6 +1,7 @@
 #include "cli/info_json.h"
 
 #include "cli/member_writer.h"
+#include "probe/refusal.h"
 #include "json/text_writer.h"
 
 #include <array>
@@ -71,6 +72,8 @@ QByteArray infoJson(const FileProbe &facts)
     members.member("fileFullPath", facts.fileFullPath);
     members.member("fileFullURL", facts.fileFullURL);
     members.member("proberFailure", facts.proberFailure);
+    const QString reason = refusalDetails(facts);
+    members.member("failure", reason.isEmpty() ? std::nullopt : std::optional(reason));
     sink.endDictionary();
     return QByteArray::fromStdString(sink.text());
 }

@@ -8,8 +8,8 @@
 namespace tessaly {
 
 // One JSON object on one line, without a line break: the fields of FileProbe under their names and in their
-// order, proberFailure last, except jsonDictionary; track records without "trackDictionary"; null for what is
-// absent or no finite number.
+// order, except jsonDictionary, and then "failure", the reason as refusalDetails() has it; track records
+// without "trackDictionary"; null for what is absent or no finite number.
 QByteArray infoJson(const FileProbe &facts);
 
 } // namespace tessaly

@@ -2,6 +2,7 @@
 
 #include "cli/terminal_text.h"
 #include "probe/file_facts.h"
+#include "probe/refusal.h"
 #include "probe/stream_facts.h"
 
 #include <algorithm>
@@ -33,6 +34,7 @@ QString textOf(const Dictionary &track, const char *key)
 
 QString kind(const FileProbe &facts)
 {
+    if (facts.proberFailure) return u"unknown"_s;
     if (!facts.isValidMediaFile) return u"not a media file"_s;
     if (facts.isEncrypted) return u"encrypted, or of a kind that cannot be decoded"_s;
     const std::vector<JSON> streams = facts.jsonDictionary["streams"].arrayValue();
@@ -43,10 +45,11 @@ QString kind(const FileProbe &facts)
     return facts.hasAudioTrack ? u"sound only"_s : u"neither video nor sound"_s;
 }
 
-QString kindWithError(const FileProbe &facts)
+QString kindWithReason(const FileProbe &facts)
 {
-    const QString error = textOf(facts.jsonDictionary["error"]["string"]);
-    return error.isEmpty() ? kind(facts) : kind(facts) + u" ("_s + error + u')';
+    QString reason = terminalText(refusalDetails(facts));
+    if (reason.endsWith(u'.')) reason.chop(1);
+    return reason.isEmpty() ? kind(facts) : kind(facts) + u" ("_s + reason + u')';
 }
 
 QString frameSize(const FileProbe &facts)
@@ -119,7 +122,7 @@ QString tagLines(const FileProbe &facts)
 
 QString infoText(const QString &name, const FileProbe &facts)
 {
-    QString text = terminalText(name) + u'\n' + line(u"Kind"_s, kindWithError(facts));
+    QString text = terminalText(name) + u'\n' + line(u"Kind"_s, kindWithReason(facts));
     if (facts.hasVideoTrack) text += line(u"Size"_s, frameSize(facts));
     if (facts.isValidMediaFile)
         text += line(u"Duration"_s, facts.duration > 0 ? durationHuman(facts.duration) : u"unknown"_s);

@@ -16,7 +16,7 @@ const QByteArray untouched =
     R"("hasAudioTrackWhichHasMoreThanTwoChannels":false,"duration":0.0,"bitRate":0,)"
     R"("videoWidth":null,"videoHeight":null,"videoRatio":null,"tagRotateValue":0,)"
     R"("tracksInfo":[],"metadata":[],"fileSize":null,"fileSizeHuman":null,)"
-    R"("fileFullPath":null,"fileFullURL":null,"proberFailure":null})";
+    R"("fileFullPath":null,"fileFullURL":null,"proberFailure":null,"failure":null})";
 
 } // namespace
 
@@ -76,7 +76,7 @@ void InfoJsonTest::everyFieldInItsOrder()
                    R"("trackDurationHuman":"00:00:02.50","trackLanguage":"eng"}],)"
                    R"("metadata":[{"key":"Title","value":"A \"Film\"\n"},{"key":"HD","value":"No"}],)"
                    R"("fileSize":242100,"fileSizeHuman":"242 KB","fileFullPath":"/v/é.mp4",)"
-                   R"("fileFullURL":"file:///v/%C3%A9.mp4","proberFailure":null})"));
+                   R"("fileFullURL":"file:///v/%C3%A9.mp4","proberFailure":null,"failure":null})"));
 }
 
 void InfoJsonTest::oneMember_data()
@@ -105,7 +105,11 @@ void InfoJsonTest::oneMember_data()
         [](FileProbe &facts) { facts.tagRotateValue = std::numeric_limits<qint64>::min(); });
     row("control characters", R"("fileFullPath":null)", R"("fileFullPath":"/a\n\t\u001b\"\\")",
         [](FileProbe &facts) { facts.fileFullPath = u"/a\n\t\x1B\"\\"_s; });
-    row("why nothing is known", R"("proberFailure":null)", R"("proberFailure":"No \"ffprobe\".")",
+    row("what the prober said", R"("failure":null)", R"("failure":"Is a directory")", [](FileProbe &facts) {
+        facts.jsonDictionary = JSON::fromBytes(R"({"error":{"code":-21,"string":"Is a directory"}})");
+    });
+    row("why nothing is known", R"("proberFailure":null,"failure":null)",
+        R"("proberFailure":"No \"ffprobe\".","failure":"No \"ffprobe\".")",
         [](FileProbe &facts) { facts.proberFailure = u"No \"ffprobe\"."_s; });
     // Older versions of Qt write a question mark for it, newer ones leave it out at the end of a text.
     const QByteArray standIn = QString(QChar(0xD800)).toUtf8();

@@ -50,6 +50,7 @@ private Q_SLOTS:
     void namesCannotDriveTheTerminal();
     void plainLocale_data();
     void plainLocale();
+    void whyAFileIsNoMedia();
     void proberThatIsMissing();
     void proberIsFoundBesideTheProgram();
     void standardInputIsNotRead();
@@ -232,7 +233,8 @@ void InfoProgramTest::nameThatIsNotUtf8()
                                        "d.mp4: The name is not valid UTF-8, so the "
                                        "file cannot be opened.\n"));
     QCOMPARE(result.output, QByteArray("b\xEF\xBF\xBD"
-                                       "d.mp4\n  Kind          not a media file\n"));
+                                       "d.mp4\n  Kind          unknown (The name is not valid UTF-8, so the "
+                                       "file cannot be opened)\n"));
 }
 
 void InfoProgramTest::nameThatIsNotUtf8AmongOthers()
@@ -272,6 +274,17 @@ void InfoProgramTest::plainLocale()
     QVERIFY(result.output.startsWith("🎬 é.mp4\n  Kind          video\n"));
 }
 
+void InfoProgramTest::whyAFileIsNoMedia()
+{
+    const Result result = run({u"info"_s, u"--json"_s, u"gone.mp4"_s, u"."_s, u"text.mp4"_s, u"plain.mp4"_s});
+    QCOMPARE(result.errors, QByteArray());
+    QCOMPARE(line(result.output, 0)["failure"].stringValue(), std::string("No such file or directory"));
+    QCOMPARE(line(result.output, 1)["failure"].stringValue(), std::string("Is a directory"));
+    QCOMPARE(line(result.output, 2)["failure"].stringValue(),
+             std::string("Invalid data found when processing input"));
+    QVERIFY(line(result.output, 3)["failure"].type() == Type::null);
+}
+
 void InfoProgramTest::proberThatIsMissing()
 {
     const QTemporaryDir folder; // the program without its resources
@@ -283,6 +296,11 @@ void InfoProgramTest::proberThatIsMissing()
              QByteArray("tessaly-cli: plain.mp4: ffprobe is missing among the resources of this program.\n"));
     QVERIFY(line(result.output, 0)["isValidMediaFile"].bool_() == false);
     QVERIFY(line(result.output, 0)["fileSize"].intValue() > 0);
+    const Result text = run({u"info"_s, u"plain.mp4"_s}, program);
+    QVERIFY2(
+        text.output.startsWith(
+            "plain.mp4\n  Kind          unknown (ffprobe is missing among the resources of this program)\n"),
+        text.output.constData());
 }
 
 void InfoProgramTest::proberIsFoundBesideTheProgram()

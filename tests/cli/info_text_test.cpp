@@ -112,6 +112,9 @@ void InfoTextTest::oneLine_data()
         [](FileProbe &facts) { facts.hasVideoTrack = false; });
     row("invalid", u"Kind          not a media file"_s,
         [](FileProbe &facts) { facts.isValidMediaFile = false; });
+    row("the prober could not be run", u"Kind          unknown (ffprobe is missing)"_s, [](FileProbe &facts) {
+        facts.isValidMediaFile = false, facts.proberFailure = u"ffprobe is missing."_s;
+    });
     row("valid, with an error", u"Kind          video (Torn)"_s,
         [](FileProbe &facts) { facts.jsonDictionary = JSON::fromBytes(R"({"error":{"string":"Torn"}})"); });
     row("size", u"Size          640 x 360"_s, [](FileProbe &) {});

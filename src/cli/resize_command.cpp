@@ -2,7 +2,6 @@
 
 #include "cli/resize_plan.h"
 #include "cli/resize_report.h"
-#include "cli/streams.h"
 #include "platform/printing.h"
 #include "platform/termination_watch.h"
 
@@ -24,11 +23,11 @@ std::optional<QString> makeOutputFolder(const NamedFile &folder, ResizeReport &r
     return std::nullopt;
 }
 
-ExitCode refuse(const QStringList &sentences)
+QStringList refusalsOf(const ResizePlan &plan, const ResizeCommand &command, ResizeReport &report)
 {
-    for (const QString &sentence : sentences)
-        complain(sentence);
-    return exitFailed;
+    if (!plan.refusals.isEmpty() || !plan.isOfMany) return plan.refusals;
+    const auto refusal = makeOutputFolder(command.output, report);
+    return refusal ? QStringList{*refusal} : QStringList();
 }
 
 } // namespace
@@ -40,9 +39,11 @@ ExitCode runResize(const ResizeCommand &command)
     const ResizePlan plan = planOf(command);
     ResizeReport report(command, plan.isOfMany);
     if (!TerminationWatch::wasAsked()) {
-        if (!plan.refusals.isEmpty()) return refuse(plan.refusals);
-        const auto refusal = plan.isOfMany ? makeOutputFolder(command.output, report) : std::nullopt;
-        if (refusal) return refuse({*refusal});
+        const QStringList refusals = refusalsOf(plan, command, report);
+        if (!refusals.isEmpty()) {
+            report.refuse(plan.files, refusals);
+            return report.exitCode();
+        }
     }
     for (const ResizeFile &file : plan.files) {
         const bool isTooLate = plan.isOfMany && TerminationWatch::wasAsked();

@@ -80,7 +80,7 @@ std::vector<ResizeFile> filesOf(const ResizeCommand &command)
     }
     int place = 0;
     for (ResizeFile &file : all) {
-        if (file.input.path) file.output = outputIn(command.output, file.input);
+        if (file.input.path && command.output.path) file.output = outputIn(command.output, file.input);
         file.place = u"%1 of %2: "_s.arg(++place).arg(all.size());
     }
     return all;
@@ -206,12 +206,11 @@ ResizePlan planOf(const ResizeCommand &command)
     const bool isOneFile = command.inputs.size() == 1 && !isFolder(command.inputs.front());
     if (isOneFile && !command.output.shown.endsWith(u'/'))
         return {.files = {{.input = command.inputs.front(), .output = command.output}}};
-    ResizePlan plan{.isOfMany = true};
+    ResizePlan plan{.isOfMany = true, .files = filesOf(command)};
     if (const auto refusal = outputRefusal(command)) {
         plan.refusals += *refusal;
         return plan;
     }
-    plan.files = filesOf(command);
     plan.refusals = clashes(plan.files, command.force);
     if (command.force) plan.refusals += replacedInputs(plan.files);
     return plan;

@@ -123,10 +123,20 @@ void ResizeReport::summary()
     report(text + u'\n');
 }
 
+void ResizeReport::refuse(const std::vector<ResizeFile> &files, const QStringList &sentences)
+{
+    m_wasRefused = true;
+    for (const QString &sentence : sentences)
+        complain(sentence);
+    if (!m_command.json) return;
+    for (const ResizeFile &file : files)
+        writeToOutput(resizeJson(file, {Refused{sentences.join(u' ')}}) + '\n');
+}
+
 ExitCode ResizeReport::exitCode() const
 {
     if (m_cancelled + m_notBegun > 0) return exitCancelled;
-    return m_failed > 0 || !m_outputIsWhole ? exitFailed : exitDone;
+    return m_wasRefused || m_failed > 0 || !m_outputIsWhole ? exitFailed : exitDone;
 }
 
 } // namespace tessaly

@@ -17,6 +17,8 @@ public:
     void tellMade(const NamedFile &folder);
     void tell(const ResizeFile &file, const FileEnd &end);
     void summary(); // only of many
+    // Instead of both: why nothing is begun. Each file has failed of it.
+    void refuse(const std::vector<ResizeFile> &files, const QStringList &sentences);
 
     ExitCode exitCode() const;
 
@@ -34,6 +36,7 @@ private:
 
     const ResizeCommand &m_command;
     bool m_isOfMany;
+    bool m_wasRefused = false;
     bool m_outputIsWhole = true; // standard output has taken everything
     int m_done = 0;
     int m_failed = 0;

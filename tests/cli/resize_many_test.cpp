@@ -271,6 +271,39 @@ private Q_SLOTS:
         QVERIFY2(result.error.endsWith("\n2 resized, 1 failed, 3 skipped\n"_L1), qPrintable(result.error));
     }
 
+    void anObjectForWhatIsRefusedBeforeTheStart_data()
+    {
+        QTest::addColumn<QString>("folder");
+        QTest::addColumn<QString>("failure");
+        QTest::newRow("names that meet") << u"small"_s
+                                         << u"clips/b.mkv and clips/b.mp4 would both become small/b.mp4: "
+                                            u"please resize them into different "
+                                            "folders."_s;
+        QTest::newRow("no folder") << u"clips/notes.txt"_s
+                                   << u"There are several inputs, so -o must name a folder: clips/notes.txt "
+                                      "is no folder."_s;
+        QTest::newRow("a folder that cannot be made")
+            << u"mistyped/small"_s << u"mistyped/small: this folder could not be made."_s;
+    }
+    void anObjectForWhatIsRefusedBeforeTheStart()
+    {
+        QFETCH(QString, folder);
+        QFETCH(QString, failure);
+        QStringList words{u"clips/a.mkv"_s, u"clips/b.mp4"_s, u"-o"_s, folder, u"--json"_s};
+        if (folder == "small"_L1) words.insert(1, u"clips/b.mkv"_s);
+        const Result result = run(words);
+        QCOMPARE(result.exitCode, 1);
+        QCOMPARE(result.error, u"tessaly-cli: "_s + failure + u'\n');
+        const QStringList objects = result.out.split(u'\n', Qt::SkipEmptyParts);
+        QCOMPARE(objects.size(), words.indexOf(u"-o"_s));
+        for (const QString &object : objects) {
+            QCOMPARE(eachOf(object, "outcome"), u"failed"_s);
+            QCOMPARE(eachOf(object, "failure"), failure);
+        }
+        QCOMPARE(eachOf(objects.first(), "input"), path(words.first()));
+        QCOMPARE(eachOf(objects.first(), "output"), path(folder + u"/a.mp4"_s));
+    }
+
     void oneObjectAlone()
     {
         const QStringList words{u"clips/b.mp4"_s, u"-o"_s,     u"new"_s,

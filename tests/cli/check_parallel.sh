@@ -37,7 +37,7 @@ await() { # await WHAT COMMAND…
 script() { sed -n '/^#!\/bin\/sh$/,/^```$/p' "$document" | sed '$d'; }
 command_with() { grep -E '^parallel ' "$document" | grep -F -- "$1"; }
 line_with() { grep -F -- "$1" "$document" | grep -v '`'; }
-clean_up() { grep -o '`rm [^`]*`' "$document" | tr -d '`'; }
+clean_up() { grep -oE '\brm -r small[^`]*' "$document"; }
 
 set_up() {
     export HOME=$work/home PATH=$work/tools:$PATH PARALLEL_SSH=$work/tools/ssh-stand-in
@@ -74,7 +74,7 @@ END
 # begin WHAT COMMAND: a fresh folder with four clips, the third of them slow.
 begin() {
     echo "$1"
-    rm -rf "$work/home" "$work/logins"
+    rm -rf "${work:?}/home" "$work/logins"
     mkdir -p "$films/clips" "$films/small"
     script >"$films/resize-one"
     chmod +x "$films/resize-one"

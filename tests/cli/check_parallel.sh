@@ -100,6 +100,8 @@ packets() {
         -of csv=p=0:s=x "$1"
 }
 outputs() { find "$films/small" -maxdepth 1 -name '*.mp4' -printf '%f %i %T@\n' | sort; }
+logged() { awk -F'\t' 'NR > 1 && $7 == 0 && $8 == 0 { print $1 }' "$log" | sort; } # the numbers of those that are done
+logged_outputs() { outputs | grep -F -f <(logged | sed 's/$/p/' | sed -nf - "$films/inputs" | sed 's|clips/\(.*\)|\1.mp4 |'); }
 
 give() { # give COMMAND, in the folder and in the place of this shell
     cd "$films"
@@ -112,7 +114,7 @@ all_is_done() {
     sizes=$(for name in a b.parts 'c film' d; do packets "$films/small/$name.mp4.mp4"; done | tr '\n' ' ')
     [ "$sizes" = "$whole" ] || fail "the outputs are $sizes, not $whole"
     [ "$(outputs | wc -l)" -eq 4 ] || fail "there are other outputs: $(outputs)"
-    logged=$(awk -F'\t' 'NR > 1 && $7 == 0 && $8 == 0 { print $1 }' "$log" | sort | tr '\n' ' ')
+    logged=$(logged | tr '\n' ' ')
     [ "$logged" = "1 2 3 4 " ] || fail "done are $logged"
     [ -z "$(cd "$films" && eval "$(line_with 'for clip in')" | grep -v new.mp4)" ] || fail "some count as missing"
 }
@@ -131,6 +133,8 @@ interrupted() {
     [ ! -e "$films/small/c film.mp4.mp4" ] || fail "the slow clip was not interrupted"
     [ "$2" != terminate ] || ! c_is_being_resized || fail "something was left behind: $(find "$work/home")"
     before=$(outputs)
+    # What came back but was not logged any more is made again: nobody there sees that it is here.
+    [[ $command != *--transferfile* ]] || before=$(logged_outputs)
     [ -n "$before" ] || fail "nothing was done before"
     rm "$work/slow"
     [[ $command != *":::: inputs"* ]] || cp "$clips/plain.mp4" "$films/clips/b new.mp4"

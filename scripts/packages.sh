@@ -8,6 +8,13 @@ fail() {
     exit 1
 }
 
+# at_most NUMBER ARGUMENT…: refuses the ones beyond that number, which the script would not look at.
+at_most() {
+    local most=$1
+    shift
+    [ $# -le "$most" ] || fail "$0 does not know what to do with: ${*:most+1}"
+}
+
 # The Debian packages that a build needs, that the programs need beside them, that the tests need beside those, and that the
 # fuzz preset needs. lint_packages is what scripts/lint needs beside the build's.
 build_packages="g++ cmake ninja-build pkg-config qt6-base-dev libxcb1-dev libseccomp-dev nlohmann-json3-dev ffmpeg"

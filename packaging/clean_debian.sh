@@ -4,7 +4,10 @@
 release=${1:-bookworm}
 case $release in bookworm | trixie | sid) ;; *) fail "$release is none of bookworm, trixie, sid" ;; esac
 as_root=
-if [ "$(id -u)" -ne 0 ]; then as_root=sudo; fi
+if [ "$(id -u)" -ne 0 ]; then
+    command -v sudo >/dev/null || fail "a clean Debian takes root, and there is no sudo here"
+    as_root=sudo
+fi
 
 work=$(mktemp -d)
 root=$work/root

@@ -54,6 +54,16 @@ need() {
     } || fail "could not install: $missing"
 }
 
+# The time that is written into what is packed, in seconds: the commit's, so that the same commit gives the same bytes. Released
+# sources are no clone; they have the day of their newest version.
+source_date() {
+    if [ -e .git ]; then
+        git log -1 --format=%ct
+    else
+        date -ud "$(sed -nE '/^## /{s/^[^(]*\(([0-9-]+).*/\1/p;q}' CHANGELOG.md)" +%s
+    fi
+}
+
 # use_tools PRESET system|own: whose prober and converter are among the resources of that build.
 use_tools() {
     local log

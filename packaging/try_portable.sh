@@ -70,6 +70,15 @@ names() { sed -n "s/.*$1\\([^ ]*\\).*/\\1/p" "loader.$window" | sort -u; }
 missing=$(comm -23 <(names 'find library=') <(names 'calling init: .*\/'))
 [ -z "$missing" ] || fail "the window looked for these and found none: $missing"
 
+echo "beside other libraries of the same names"
+mkdir decoys
+for library in "$tree"/lib/*.so*; do cp "$tree/lib/libXau.so.6" "decoys/${library##*/}"; done
+LD_LIBRARY_PATH=$PWD/decoys "$tree/bin/tessaly-cli" info films/clip.mp4 >/dev/null || fail "tessaly-cli info ends with $?"
+start_window LD_LIBRARY_PATH="$PWD/decoys"
+end_window
+[ ! -s said ] || { cat said; fail "the window said something"; }
+
+echo "a video in the window"
 start_window
 xdotool key ctrl+o
 until_true "no panel" has_keyboard "Open Video — Tessaly"

@@ -156,8 +156,7 @@ private Q_SLOTS:
     {
         FakeTools tools;
         constexpr int othersTime = 10 * waitLimit; // in which that one still has the pipe
-        tools.setSteps(tool,
-                       {{u"leave-behind"_s, QString::number(othersTime)}, {u"complain"_s, u"done"_s}});
+        tools.setSteps(tool, {{u"leave-behind"_s, QString::number(othersTime)}, {u"complain"_s, u"done"_s}});
         for (const auto &[name, mode] : waitingModes) {
             ProcessOutcome outcome;
             QByteArray text;

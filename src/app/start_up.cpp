@@ -41,6 +41,35 @@ bool holdsWaylandPlugin(const QString &folder)
     return !folder.isEmpty() && !QDir(folder).entryList({u"libqwayland*.so"_s}, QDir::Files).isEmpty();
 }
 
+// "NAME=value" of the variables that are set and not empty.
+QStringList settings(const QProcessEnvironment &environment, const QStringList &names)
+{
+    QStringList result;
+    for (const QString &name : names) {
+        const QString value = environment.value(name);
+        if (!value.isEmpty()) result << name + u'=' + value;
+    }
+    return result;
+}
+
+QString reasonForNoWindow(const QProcessEnvironment &environment, const QStringList &pluginFolders)
+{
+    const QStringList screens = settings(environment, {u"WAYLAND_DISPLAY"_s, u"DISPLAY"_s});
+    if (screens.isEmpty()) return u"there is no screen to open a window on"_s;
+
+    const QString platform = environment.value(u"QT_QPA_PLATFORM"_s);
+    const bool isWaylandAlone = environment.value(u"DISPLAY"_s).isEmpty();
+    const bool mayBeWayland = platform.isEmpty() || platform.startsWith("wayland"_L1);
+    const bool hasPlugin = std::any_of(pluginFolders.begin(), pluginFolders.end(), holdsWaylandPlugin);
+    if (isWaylandAlone && mayBeWayland && !hasPlugin)
+        return u"qt6-wayland is missing, the package with which Qt opens windows on Wayland"_s;
+
+    if (!platform.isEmpty())
+        return u"QT_QPA_PLATFORM=%1 in the environment asks for windows that cannot be opened here"_s.arg(
+            platform);
+    return u"no window can be opened on the screen of "_s + screens.join(" or of "_L1);
+}
+
 // When there is no window to open Qt prints a stack of messages about its plugins and then gives up with a
 // fatal one.
 void sayOnceWhyThereIsNoWindow(QtMsgType type, const QMessageLogContext &, const QString &)
@@ -89,14 +118,8 @@ std::optional<int> answerCommandLine(int argc, char *argv[])
 
 QString whyNoWindow(const QProcessEnvironment &environment, const QStringList &pluginFolders)
 {
-    const auto names = [&](const QString &screen) { return !environment.value(screen).isEmpty(); };
-    const bool isWaylandAlone = names(u"WAYLAND_DISPLAY"_s) && !names(u"DISPLAY"_s);
-    const bool hasPlugin = std::any_of(pluginFolders.begin(), pluginFolders.end(), holdsWaylandPlugin);
-    const QString reason =
-        isWaylandAlone && !hasPlugin
-            ? u"qt6-wayland is missing, the package with which Qt opens windows on Wayland"_s
-            : u"there is no screen to open a window on"_s;
-    return u"tessaly: "_s + reason + u"; "_s + QLatin1StringView(elsewhere);
+    return u"tessaly: "_s + reasonForNoWindow(environment, pluginFolders) + u"; "_s +
+           QLatin1StringView(elsewhere);
 }
 
 std::unique_ptr<QApplication> startApplication(int &argc, char *argv[])

@@ -20,8 +20,8 @@ std::optional<int> answerCommandLine(int argc, char *argv[]);
 // program with status 1. argc must live as long as the object.
 std::unique_ptr<QApplication> startApplication(int &argc, char *argv[]);
 
-// That sentence: there is no screen, or there is one of Wayland's, but none of the folders holds Qt's plugin
-// for it.
+// That sentence: no screen is named, or the one that is cannot be opened, or QT_QPA_PLATFORM asks for another
+// kind, or none of the folders holds Qt's plugin for Wayland.
 QString whyNoWindow(const QProcessEnvironment &environment, const QStringList &pluginFolders);
 
 } // namespace tessaly

@@ -11,8 +11,8 @@ class StartingTest : public EndToEndCase
 private Q_SLOTS:
     void answersWithoutAWindow_data();
     void answersWithoutAWindow();
-    void saysInOneSentenceThatThereIsNoScreen_data();
-    void saysInOneSentenceThatThereIsNoScreen();
+    void saysInOneSentenceThatThereIsNoWindow_data();
+    void saysInOneSentenceThatThereIsNoWindow();
     void saysInOneSentenceWhereFilesAreOpened();
     void startsQuietlyInTheNoFileState();
     void endsByKeyboardAndLeavesNothing();
@@ -58,23 +58,30 @@ void StartingTest::answersWithoutAWindow()
     QCOMPARE(tessaly.standardError(), QString());
 }
 
-void StartingTest::saysInOneSentenceThatThereIsNoScreen_data()
+void StartingTest::saysInOneSentenceThatThereIsNoWindow_data()
 {
     QTest::addColumn<QString>("display");
-    QTest::newRow("none is named") << QString();
-    QTest::newRow("the one that is named does not exist") << u":4711"_s;
+    QTest::addColumn<QString>("platform");
+    QTest::addColumn<QString>("reason");
+    QTest::newRow("none is named") << QString() << QString() << u"there is no screen"_s;
+    QTest::newRow("the one that is named does not exist") << u":4711"_s << QString() << u"DISPLAY=:4711"_s;
+    QTest::newRow("another kind of window is asked for")
+        << u":4711"_s << u"nonsense"_s << u"QT_QPA_PLATFORM=nonsense"_s;
 }
 
-void StartingTest::saysInOneSentenceThatThereIsNoScreen()
+void StartingTest::saysInOneSentenceThatThereIsNoWindow()
 {
     QFETCH(QString, display);
+    QFETCH(QString, platform);
+    QFETCH(QString, reason);
     QProcessEnvironment environment = environmentWith(u"DISPLAY"_s, display);
-    environment.insert(u"QT_QPA_PLATFORM"_s, {});
+    environment.insert(u"QT_QPA_PLATFORM"_s, platform);
     Program &tessaly = start(u"tessaly"_s, {.environment = environment});
     QTRY_VERIFY(tessaly.hasEnded());
     QCOMPARE(tessaly.exitStatus(), 1);
     QVERIFY2(isOneSentence(tessaly.standardError()), qPrintable(tessaly.standardError()));
     QVERIFY2(tessaly.standardError().contains("tessaly-cli"_L1), qPrintable(tessaly.standardError()));
+    QVERIFY2(tessaly.standardError().contains(reason), qPrintable(tessaly.standardError()));
 }
 
 void StartingTest::saysInOneSentenceWhereFilesAreOpened()

@@ -1,5 +1,7 @@
 #include "app/start_up.h"
 
+#include "app/plugin_choice.h"
+
 #include <QApplication>
 #include <QDir>
 #include <QProcessEnvironment>
@@ -9,6 +11,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <string_view>
+#include <vector>
 
 namespace tessaly {
 
@@ -80,6 +83,19 @@ void sayOnceWhyThereIsNoWindow(QtMsgType type, const QMessageLogContext &, const
     std::_Exit(EXIT_FAILURE);
 }
 
+// Qt reads its arguments as long as there is an application object.
+std::unique_ptr<QApplication> makeApplication(int argc, char *argv[])
+{
+    static QByteArrayList chosen = choosePlugins();
+    static std::vector<char *> arguments(argv, argv + argc);
+    auto place = arguments.begin() + std::min(argc, 1);
+    for (QByteArray &argument : chosen)
+        place = arguments.insert(place, argument.data()) + 1;
+    static int count = static_cast<int>(arguments.size());
+    arguments.push_back(nullptr);
+    return std::make_unique<QApplication>(count, arguments.data());
+}
+
 // What the desktop knows the program by.
 void describe(QApplication &application)
 {
@@ -122,11 +138,11 @@ QString whyNoWindow(const QProcessEnvironment &environment, const QStringList &p
            QLatin1StringView(elsewhere);
 }
 
-std::unique_ptr<QApplication> startApplication(int &argc, char *argv[])
+std::unique_ptr<QApplication> startApplication(int argc, char *argv[])
 {
     keepNothingOfPanels();
     const QtMessageHandler usual = qInstallMessageHandler(sayOnceWhyThereIsNoWindow);
-    auto application = std::make_unique<QApplication>(argc, argv);
+    std::unique_ptr<QApplication> application = makeApplication(argc, argv);
     qInstallMessageHandler(usual);
     describe(*application);
     return application;

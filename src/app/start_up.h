@@ -17,8 +17,8 @@ namespace tessaly {
 std::optional<int> answerCommandLine(int argc, char *argv[]);
 
 // The application object, named. Where no window can be opened this says why in one sentence and ends the
-// program with status 1. argc must live as long as the object.
-std::unique_ptr<QApplication> startApplication(int &argc, char *argv[]);
+// program with status 1. The arguments must live as long as the object; to be called once.
+std::unique_ptr<QApplication> startApplication(int argc, char *argv[]);
 
 // That sentence: no screen is named, or the one that is cannot be opened, or QT_QPA_PLATFORM asks for another
 // kind, or none of the folders holds Qt's plugin for Wayland.

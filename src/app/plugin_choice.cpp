@@ -1,0 +1,55 @@
+#include "app/plugin_choice.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFileInfo>
+#include <QSettings>
+
+namespace tessaly {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+// Qt tells it only when there is an application object.
+QString programFolder()
+{
+    return QFileInfo(u"/proc/self/exe"_s).canonicalPath();
+}
+
+} // namespace
+
+QString ownPluginFolder(const QString &programFolder)
+{
+    const QDir folder(programFolder);
+    if (programFolder.isEmpty() || !folder.exists(u"qt.conf"_s)) return {};
+    const QSettings paths(folder.filePath(u"qt.conf"_s), QSettings::IniFormat);
+    const QDir prefix(folder.filePath(paths.value(u"Paths/Prefix"_s).toString()));
+    return QDir::cleanPath(prefix.filePath(paths.value(u"Paths/Plugins"_s, u"plugins"_s).toString()));
+}
+
+bool isPortalsThemeAlone(const QStringList &pluginFolders)
+{
+    QStringList themes;
+    for (const QString &folder : pluginFolders)
+        themes += QDir(folder + u"/platformthemes"_s).entryList({u"*.so"_s}, QDir::Files);
+    themes.removeDuplicates();
+    return themes == QStringList{u"libqxdgdesktopportal.so"_s};
+}
+
+// Both answers of Qt come from the environment otherwise: an empty path stands for none, and the last of
+// several themes counts, so that a person can still name another one.
+QByteArrayList choosePlugins()
+{
+    QByteArrayList arguments;
+    if (const QString own = ownPluginFolder(programFolder()); !own.isEmpty()) {
+        QCoreApplication::setLibraryPaths({own});
+        arguments << "-platformpluginpath" << QByteArray();
+    }
+    if (isPortalsThemeAlone(QCoreApplication::libraryPaths()))
+        arguments << "-platformtheme"
+                  << "xdgdesktopportal";
+    return arguments;
+}
+
+} // namespace tessaly

@@ -101,7 +101,7 @@ void checkJson(const FileProbe &facts)
     const QByteArray line = infoJson(facts);
     REQUIRE(line.isValidUtf8() && !line.contains('\n'));
     const JSON read = JSON::fromBytes({line.constData(), static_cast<std::size_t>(line.size())});
-    REQUIRE(read.count() == 21);
+    REQUIRE(read.count() == 22);
     REQUIRE(read["bitRate"] == JSON(std::int64_t{facts.bitRate}));
     REQUIRE(read["duration"].doubleValue() == facts.duration);
     REQUIRE(read["videoWidth"].int_().has_value() == facts.videoWidth.has_value());

@@ -37,18 +37,15 @@ bool isPortalsThemeAlone(const QStringList &pluginFolders)
     return themes == QStringList{u"libqxdgdesktopportal.so"_s};
 }
 
-// Both answers of Qt come from the environment otherwise: an empty path stands for none, and the last of
-// several themes counts, so that a person can still name another one.
+// Qt would ask the environment otherwise: an empty path stands for none, and the last of several themes
+// counts, so that a person can still name another one.
 QByteArrayList choosePlugins()
 {
-    QByteArrayList arguments;
-    if (const QString own = ownPluginFolder(programFolder()); !own.isEmpty()) {
-        QCoreApplication::setLibraryPaths({own});
-        arguments << "-platformpluginpath" << QByteArray();
-    }
-    if (isPortalsThemeAlone(QCoreApplication::libraryPaths()))
-        arguments << "-platformtheme"
-                  << "xdgdesktopportal";
+    const QString own = ownPluginFolder(programFolder());
+    if (own.isEmpty()) return {};
+    QCoreApplication::setLibraryPaths({own});
+    QByteArrayList arguments{"-platformpluginpath", QByteArray()};
+    if (isPortalsThemeAlone({own})) arguments += {"-platformtheme", "xdgdesktopportal"};
     return arguments;
 }
 

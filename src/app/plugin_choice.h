@@ -15,8 +15,9 @@ QString ownPluginFolder(const QString &programFolder);
 // plugin.
 bool isPortalsThemeAlone(const QStringList &pluginFolders);
 
-// To be called before there is an application object: it takes only plugins of its own Qt where it brings
-// one. What Qt is to be told on top of that, as arguments, which no child inherits.
+// To be called before there is an application object. Where the program brings its own Qt, it takes only that
+// one's plugins; elsewhere everything is left to Qt. What Qt is to be told, as arguments, which no child
+// inherits.
 QByteArrayList choosePlugins();
 
 } // namespace tessaly

@@ -28,13 +28,10 @@ QString ownPluginFolder(const QString &programFolder)
     return QDir::cleanPath(prefix.filePath(paths.value(u"Paths/Plugins"_s, u"plugins"_s).toString()));
 }
 
-bool isPortalsThemeAlone(const QStringList &pluginFolders)
+bool isPortalsThemeAlone(const QString &pluginFolder)
 {
-    QStringList themes;
-    for (const QString &folder : pluginFolders)
-        themes += QDir(folder + u"/platformthemes"_s).entryList({u"*.so"_s}, QDir::Files);
-    themes.removeDuplicates();
-    return themes == QStringList{u"libqxdgdesktopportal.so"_s};
+    const QDir themes(pluginFolder + u"/platformthemes"_s);
+    return themes.entryList({u"*.so"_s}, QDir::Files) == QStringList{u"libqxdgdesktopportal.so"_s};
 }
 
 // Qt would ask the environment otherwise: an empty path stands for none, and the last of several themes
@@ -45,7 +42,7 @@ QByteArrayList choosePlugins()
     if (own.isEmpty()) return {};
     QCoreApplication::setLibraryPaths({own});
     QByteArrayList arguments{"-platformpluginpath", QByteArray()};
-    if (isPortalsThemeAlone({own})) arguments += {"-platformtheme", "xdgdesktopportal"};
+    if (isPortalsThemeAlone(own)) arguments += {"-platformtheme", "xdgdesktopportal"};
     return arguments;
 }
 

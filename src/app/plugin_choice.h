@@ -3,7 +3,6 @@
 
 #include <QByteArrayList>
 #include <QString>
-#include <QStringList>
 
 namespace tessaly {
 
@@ -11,9 +10,8 @@ namespace tessaly {
 // in its folder.
 QString ownPluginFolder(const QString &programFolder);
 
-// Whether these folders hold a theme plugin for the panels of the desktop's portal, and no other theme
-// plugin.
-bool isPortalsThemeAlone(const QStringList &pluginFolders);
+// Whether this folder holds the theme plugin for the panels of the desktop's portal, and no other theme.
+bool isPortalsThemeAlone(const QString &pluginFolder);
 
 // To be called before there is an application object. Where the program brings its own Qt, it takes only that
 // one's plugins; elsewhere everything is left to Qt. What Qt is to be told, as arguments, which no child
